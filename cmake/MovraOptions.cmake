@@ -1,0 +1,24 @@
+# How every target of this project is compiled: link movra_options, and nothing else sets flags.
+
+option(MOVRA_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+
+add_library(movra_options INTERFACE)
+target_compile_features(movra_options INTERFACE cxx_std_17)
+target_include_directories(movra_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(movra_options INTERFACE
+  QT_NO_CAST_FROM_ASCII
+  QT_NO_CAST_FROM_BYTEARRAY
+  QT_NO_CAST_TO_ASCII
+  QT_NO_FOREACH
+  QT_NO_KEYWORDS
+  QT_DISABLE_DEPRECATED_BEFORE=0x050e00)
+target_compile_options(movra_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wzero-as-null-pointer-constant -Wformat=2 -Wundef
+  $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override;-Wlogical-op;-Wduplicated-cond>)
+
+if(MOVRA_SANITIZE)
+  target_compile_options(movra_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(movra_options INTERFACE -fsanitize=address,undefined)
+endif()

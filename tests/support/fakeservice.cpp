@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/fakeservice.h"
+
+#include <gio/gio.h>
+
+#include <QList>
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+
+namespace
+{
+
+struct GFree {
+    void operator()(char *text) const { g_free(text); }
+    void operator()(GVariant *value) const { g_variant_unref(value); }
+};
+using Text = std::unique_ptr<char, GFree>;
+using Value = std::unique_ptr<GVariant, GFree>;
+
+[[noreturn]] void fail(const char *what, GError *error)
+{
+    const std::string message =
+        std::string(what) + ": " + (error != nullptr ? error->message : "?");
+    g_clear_error(&error);
+    throw std::runtime_error(message);
+}
+
+GVariant *parse(const QByteArray &text)
+{
+    GError *error = nullptr;
+    GVariant *value = g_variant_parse(nullptr, text.constData(), nullptr, nullptr, &error);
+    if (value == nullptr) {
+        fail(text.constData(), error);
+    }
+    return value;
+}
+
+QByteArray describe(GDBusMessage *call)
+{
+    QByteArray line;
+    const QByteArray path = g_dbus_message_get_path(call);
+    const QByteArray interface = g_dbus_message_get_interface(call);
+    if (path != "/") {
+        line += path + ' ';
+    }
+    if (interface != "varn.pim") {
+        line += interface + ' ';
+    }
+    line += g_dbus_message_get_member(call);
+    GVariant *body = g_dbus_message_get_body(call);
+    if (body != nullptr) {
+        const Text text(g_variant_print(body, TRUE));
+        line.append(' ').append(g_dbus_message_get_signature(call)).append(' ').append(text.get());
+    }
+    return line;
+}
+
+} // namespace
+
+struct FakeService::Private {
+    struct Answer {
+        Value body;
+        QByteArray errorName;
+        QByteArray errorMessage;
+    };
+
+    GDBusConnection *connection = nullptr;
+    mutable std::mutex mutex;
+    std::condition_variable arrived;
+    QByteArrayList calls;
+    std::map<QByteArray, Answer> answers;
+
+    /// Runs on GDBus's own thread.
+    static GDBusMessage *filter(GDBusConnection *connection, GDBusMessage *message,
+                                gboolean incoming, void *self)
+    {
+        if (incoming == FALSE
+            || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) {
+            return message;
+        }
+        static_cast<Private *>(self)->serve(connection, message);
+        g_object_unref(message);
+        return nullptr;
+    }
+
+    void serve(GDBusConnection *to, GDBusMessage *call)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        calls.append(describe(call));
+        arrived.notify_all();
+        const QByteArray member = g_dbus_message_get_member(call);
+        if ((g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) == 0) {
+            GDBusMessage *reply = replyTo(call, member);
+            g_dbus_connection_send_message(to, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,
+                                           nullptr);
+            g_object_unref(reply);
+        }
+    }
+
+    GDBusMessage *replyTo(GDBusMessage *call, const QByteArray &member)
+    {
+        const auto answer = answers.find(member);
+        if (answer != answers.end() && !answer->second.errorName.isEmpty()) {
+            return g_dbus_message_new_method_error_literal(call,
+                                                           answer->second.errorName.constData(),
+                                                           answer->second.errorMessage.constData());
+        }
+        GDBusMessage *reply = g_dbus_message_new_method_reply(call);
+        if (answer != answers.end()) {
+            g_dbus_message_set_body(reply, answer->second.body.get());
+        } else if (member == "Echo") {
+            g_dbus_message_set_body(reply, g_dbus_message_get_body(call));
+        }
+        return reply;
+    }
+
+    Value callBus(const char *interface, const char *member, GVariant *arguments) const
+    {
+        GError *error = nullptr;
+        GVariant *reply = g_dbus_connection_call_sync(
+            connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", interface, member,
+            arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
+        if (reply == nullptr) {
+            fail(member, error);
+        }
+        return Value(reply);
+    }
+};
+
+FakeService::FakeService(const QByteArray &name)
+    : d(std::make_unique<Private>())
+{
+    GError *error = nullptr;
+    d->connection = g_dbus_connection_new_for_address_sync(
+        qgetenv("DBUS_SESSION_BUS_ADDRESS").constData(),
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
+                                          | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, &error);
+    if (d->connection == nullptr) {
+        fail("no bus for the fake service", error);
+    }
+    g_dbus_connection_add_filter(d->connection, &Private::filter, d.get(), nullptr);
+    constexpr guint doNotQueue = 4;
+    const Value reply = d->callBus("org.freedesktop.DBus", "RequestName",
+                                   g_variant_new("(su)", name.constData(), doNotQueue));
+    guint outcome = 0;
+    g_variant_get(reply.get(), "(u)", &outcome);
+    if (outcome != 1) {
+        throw std::runtime_error("the name " + name.toStdString() + " is taken");
+    }
+}
+
+FakeService::~FakeService()
+{
+    g_dbus_connection_close_sync(d->connection, nullptr, nullptr);
+    g_object_unref(d->connection);
+}
+
+void FakeService::answer(const QByteArray &member, const QByteArray &body)
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->answers[member] = { Value(parse(body)), {}, {} };
+}
+
+void FakeService::refuse(const QByteArray &member, const QByteArray &errorName,
+                         const QByteArray &message)
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->answers[member] = { nullptr, errorName, message };
+}
+
+QByteArrayList FakeService::takeCalls()
+{
+    return waitForCalls(0);
+}
+
+QByteArrayList FakeService::waitForCalls(int count)
+{
+    std::unique_lock<std::mutex> lock(d->mutex);
+    d->arrived.wait_for(lock, std::chrono::seconds(10),
+                        [this, count] { return d->calls.size() >= count; });
+    QByteArrayList taken;
+    taken.swap(d->calls);
+    return taken;
+}
+
+void FakeService::emitSignal(const QByteArray &member, const QByteArray &body,
+                             const QByteArray &path, const QByteArray &interface)
+{
+    GError *error = nullptr;
+    const Value arguments(parse(body));
+    if (g_dbus_connection_emit_signal(d->connection, nullptr, path.constData(),
+                                      interface.constData(), member.constData(), arguments.get(),
+                                      &error)
+        == FALSE) {
+        fail(member.constData(), error);
+    }
+    // The bus handles what one connection sends in order: its answer means that it has the signal.
+    (void)d->callBus("org.freedesktop.DBus", "GetId", nullptr);
+}
+
+QByteArrayList FakeService::matchRules(const QByteArray &connection) const
+{
+    const Value reply = d->callBus("org.freedesktop.DBus.Debug.Stats", "GetAllMatchRules", nullptr);
+    const Value all(g_variant_get_child_value(reply.get(), 0));
+    const Value own(
+        g_variant_lookup_value(all.get(), connection.constData(), G_VARIANT_TYPE_STRING_ARRAY));
+    QByteArrayList rules;
+    for (gsize i = 0; own && i < g_variant_n_children(own.get()); ++i) {
+        const Value rule(g_variant_get_child_value(own.get(), i));
+        rules.append(g_variant_get_string(rule.get(), nullptr));
+    }
+    return rules;
+}

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// A service for tests that is not Qt: it records every call as text and answers what a test says,
+// lies included. It lives on a connection and a thread of its own, so a test may block.
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <memory>
+
+class FakeService
+{
+public:
+    /// Owns the name on the session bus; throws std::runtime_error if it cannot.
+    explicit FakeService(const QByteArray &name = "com.varn.tul");
+    ~FakeService();
+    FakeService(const FakeService &) = delete;
+    FakeService &operator=(const FakeService &) = delete;
+
+    /// From now on answers calls of the member with a body in GVariant text, always a tuple:
+    /// `(<[uint32 1, 2]>,)`. A member that no test speaks of is answered with `()`, and the member
+    /// "Echo" with what it was sent.
+    void answer(const QByteArray &member, const QByteArray &body);
+    /// From now on answers calls of the member with an error.
+    void refuse(const QByteArray &member, const QByteArray &errorName, const QByteArray &message);
+
+    /// The calls since the last time, in order of arrival, each as "member signature body": as in
+    /// "DoAction ss ('a', 'b')". A path other than "/" or an interface other than "varn.pim" is put
+    /// in front.
+    QByteArrayList takeCalls();
+    /// Waits for at least this many calls, 10 s at most, and takes them.
+    QByteArrayList waitForCalls(int count);
+
+    /// Broadcasts a signal with a body in GVariant text and waits until the bus has it.
+    void emitSignal(const QByteArray &member, const QByteArray &body, const QByteArray &path = "/",
+                    const QByteArray &interface = "varn.pim");
+
+    /// The match rules that a connection (by unique name) holds at the bus.
+    QByteArrayList matchRules(const QByteArray &connection) const;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
