@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// What every command shares about the argument vector: its positions and the exit statuses.
+#pragma once
+
+#include <string>
+
+/// Positions in the argument vector, which ends with a null entry; 0 is the program's name.
+enum Position : int {
+    ServicePosition = 1, ///< bus name of the destination
+    PathPosition = 2, ///< object path of the destination
+    CommandPosition = 3, ///< command word
+    FirstArgument = 4, ///< the command's own arguments begin here
+    SecondArgument = 5,
+};
+
+/// Exit statuses; the numbers are part of the interface to scripts.
+enum Status : int {
+    Success = 0, ///< also when the service refused the call: a failed call shows in its line only
+    NotRun = 1, ///< usage text, failed connection, unknown command word
+    NotSupported = 2, ///< a word or a value is not supported
+    ArgumentMissing = 3, ///< a required argument is missing
+};
+
+/// The word at a position, as it was typed; empty if the vector ends at or before it.
+///
+/// QCoreApplication takes its own options out of the vector, so a position that was there when the
+/// program started may be missing later, and what stands behind the end is stale.
+std::string wordAt(char **argv, Position position);

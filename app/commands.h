@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// The command table: the only place where a command word meets its handler.
+#pragma once
+
+#include "app/movra.h"
+
+#include <array>
+#include <string>
+
+struct Command {
+    const char *word; ///< compared exactly, as a whole
+    int (Movra::*handler)(char **argv); ///< takes the whole argument vector, returns the status
+};
+
+/// Searched from the top; a word that is not here is an unknown word.
+constexpr std::array<Command, 3> commandTable { {
+    { "ACTION", &Movra::actionCommand },
+    { "SERVERSTAT", &Movra::serverStatCommand },
+    { "SERVERCMD", &Movra::serverCmdCommand },
+} };
+
+/// The table's row for a word, or null for an unknown word.
+const Command *findCommand(const std::string &word);

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// DBG: forwards debug-log commands to the service and asks for its debug-log ids.
+#include "app/movra.h"
+#include "bus/proxies.h"
+
+#include <QDBusReply>
+
+#include <cstdio>
+
+void Movra::generateDbgLogCmd(std::string cmd, std::string value)
+{
+    const QDBusReply<void> reply =
+        iface->DbgLogCmd(QString::fromLatin1(cmd.c_str()), QString::fromLatin1(value.c_str()));
+    if (!reply.isValid()) {
+        std::printf("DBG %s   ERROR     err=%s\n", cmd.c_str(), recordLastError().constData());
+    }
+}
+
+void Movra::callDbgLogGetIds()
+{
+    const QDBusReply<QStringList> reply = iface->DbgLogGetIds();
+    if (!reply.isValid()) {
+        // The blanks differ from the other error line, and both are relied upon.
+        std::printf("DBG GET_IDS  ERROR  err=%s\n", recordLastError().constData());
+        return;
+    }
+    const QStringList ids = reply.value();
+    for (const QString &id : ids) {
+        std::puts(id.toLatin1().constData());
+    }
+}

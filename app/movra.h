@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// The client object: connection, command handlers, and the slots that receive the service's
+// signals.
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class KorAppInterface;
+
+/// The program's one client object. It is connected once, then runs one command.
+///
+/// Slots are connected to by their signature text, and moc numbers them in the order written: keep
+/// the text and the order.
+class Movra : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Touches no bus; `iface` is null until connectToService() has run.
+    explicit Movra(QObject *parent);
+    ~Movra() override;
+
+    /// Registers the bus types, opens the session bus and builds the proxy. False if the proxy is
+    /// not valid: the reason is then printed and kept in `lastErrorText`, and `iface` stays set.
+    bool connectToService(const std::string &service, const std::string &path);
+
+    // Command handlers: each takes the whole argument vector and returns the exit status.
+    int actionCommand(char **argv);
+    int serverStatCommand(char **argv);
+    int serverCmdCommand(char **argv);
+
+public Q_SLOTS:
+    // DBG: wait for the reply; print the ids, or a line on failure.
+    void generateDbgLogCmd(std::string cmd, std::string value);
+    void callDbgLogGetIds();
+
+    /// Ends the event loop.
+    void quit();
+
+    // SIG: print one line for each signal of the service.
+    void sigAlarmSlot(QString msg);
+    void sigDBusServerClosingSlot(QString msg);
+    void sigLogChangedNotificationSlot(QStringList changedLogMsgList);
+    void sigErrorSlot(QString errorMsg);
+    void sigInfoSlot(QString msg);
+    void sigTestCompleteSlot(QString msg);
+    void sigUpdateSlot(QString msg);
+    void sigTestCompleteWithDataSlot(QString msg, std::vector<double> data);
+    void sigTestCompleteWithDataSlot(QString msg, std::vector<uint32_t> data);
+
+    // NOTIFY: send one call each, and wait for nothing.
+    void notifyConfigStart();
+    void notifyConfigStop();
+    void notifyConfigClear();
+    void notifyResultStart();
+    void notifyResultStop();
+    void notifyResultClear();
+    void notifyAdd(QString id);
+    void notifyDelete(QString id);
+    void notifyLogStart(QString id);
+    void notifyLogStop(QString id);
+    void notifyLogClear(QString id);
+
+protected:
+    /// The service proxy. It has no parent and is never deleted: it lives until the process ends.
+    KorAppInterface *iface = nullptr;
+    QString lastErrorText; ///< text of the last bus error that was recorded
+
+private:
+    /// Records the message of the proxy's last error and returns its Latin-1 form. A reply's own
+    /// error is left alone on purpose, so the text is empty or stale where the proxy itself has no
+    /// error.
+    QByteArray recordLastError();
+    /// Records the last error and prints it in the line that ACTION, SERVERSTAT and SERVERCMD
+    /// share.
+    void reportFailedReply();
+};

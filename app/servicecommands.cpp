@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// ACTION, SERVERSTAT and SERVERCMD: one call each, waited for; a failed call still ends with
+// success.
+#include "app/commandline.h"
+#include "app/movra.h"
+#include "bus/proxies.h"
+
+#include <QDBusReply>
+
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+
+namespace
+{
+
+bool isTimerWord(const char *word)
+{
+    return std::strcmp(word, "SET_RES_NOTIFY_TIMER") == 0
+        || std::strcmp(word, "SET_CFG_NOTIFY_TIMER") == 0;
+}
+
+} // namespace
+
+// In all three, making a QDBusReply of the pending reply is the wait.
+
+int Movra::actionCommand(char **argv)
+{
+    if (argv[FirstArgument] == nullptr) {
+        return ArgumentMissing;
+    }
+    const QString id = QString::fromLatin1(argv[FirstArgument]);
+    if (argv[SecondArgument] == nullptr) {
+        const QDBusReply<void> reply = iface->DoAction(id);
+        if (!reply.isValid()) {
+            reportFailedReply();
+        }
+        return Success;
+    }
+    const QDBusReply<QString> reply =
+        iface->DoAction(id, QString::fromLatin1(argv[SecondArgument]));
+    if (reply.isValid()) {
+        std::cout << reply.value().toLatin1().constData() << std::endl;
+    } else {
+        reportFailedReply();
+    }
+    return Success;
+}
+
+int Movra::serverStatCommand(char ** /*argv*/)
+{
+    const QDBusReply<int> reply = iface->DBusServerStatus();
+    if (reply.isValid()) {
+        std::printf("%d\n", reply.value());
+    } else {
+        reportFailedReply();
+    }
+    return Success;
+}
+
+int Movra::serverCmdCommand(char **argv)
+{
+    // Both positions are tested before the word is looked at.
+    if (argv[FirstArgument] == nullptr || argv[SecondArgument] == nullptr) {
+        return ArgumentMissing;
+    }
+    if (!isTimerWord(argv[FirstArgument])) {
+        return NotSupported;
+    }
+    // Text that is no number in the range of an int is sent as 0.
+    const int timeout = QString::fromLatin1(argv[SecondArgument]).toInt();
+    const QDBusReply<void> reply =
+        iface->DBusServerCmd(QString::fromLatin1(argv[FirstArgument]), QDBusVariant(timeout));
+    if (!reply.isValid()) {
+        reportFailedReply();
+    }
+    return Success;
+}
+
+void Movra::reportFailedReply()
+{
+    // Five blanks before "err".
+    std::printf("Reply Not Valid     err=%s\n", recordLastError().constData());
+}

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// Destinations, unknown words and the half second, through the built program.
+#include "tests/support/movrarun.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <chrono>
+
+namespace
+{
+
+const QByteArray unknownWord = "Error While Parsing Command -- use -h for help   err:1\n";
+
+QByteArray notValid(const char *reason)
+{
+    return QByteArray("Client DBus Interface not valid, error: ") + reason + '\n';
+}
+
+void answerStatus(FakeService &service)
+{
+    service.answer("DBusServerStatus", "(5,)");
+}
+
+std::vector<MovraRow> rows()
+{
+    // clang-format off
+    return {
+        { "a name that nobody owns fails with an empty text",
+          { "com.varn.nobody", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },
+        { "a malformed name", { "a..b", "/", "SERVERSTAT" }, {},
+          notValid("Invalid service name: a..b"), {}, 1 },
+        { "an empty name", { "", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },
+        { "a malformed path", { "@", "no/slash", "SERVERSTAT" }, {},
+          notValid("Invalid object path: no/slash"), {}, 1 },
+        { "a path that ends in a slash", { "@", "/a/", "SERVERSTAT" }, {},
+          notValid("Invalid object path: /a/"), {}, 1 },
+        { "a name with a byte above 0x7f", { "a.\xe9", "/", "SERVERSTAT" }, {},
+          notValid("Invalid service name: a.\xe9"), {}, 1 },
+        { "a path typed in UTF-8", { "@", "/\xc3\xa9", "SERVERSTAT" }, {},
+          notValid("Invalid object path: /\xc3\xa9"), {}, 1 },
+        { "formats in the path are text", { "@", "%s%n", "SERVERSTAT" }, {},
+          notValid("Invalid object path: %s%n"), {}, 1 },
+        { "a failed connection comes before an unknown word", { "com.varn.nobody", "/", "nope" },
+          {}, notValid(""), {}, 1 },
+
+        { "a unique name that nobody has passes, and the call fails",
+          { ":1.999999", "/", "SERVERSTAT" }, {}, "Reply Not Valid     err=\n", {}, 0 },
+        { "ACTION to nobody", { ":1.999999", "/", "ACTION", "x" }, {}, "Reply Not Valid     err=\n",
+          {}, 0 },
+        { "ACTION with a value to nobody", { ":1.999999", "/", "ACTION", "x", "y" }, {},
+          "Reply Not Valid     err=\n", {}, 0 },
+        { "SERVERCMD to nobody", { ":1.999999", "/", "SERVERCMD", "SET_CFG_NOTIFY_TIMER", "1" }, {},
+          "Reply Not Valid     err=\n", {}, 0 },
+        { "an empty path passes, and the proxy itself refuses the call", { "@", "", "SERVERSTAT" },
+          answerStatus, "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
+        { "ACTION on an empty path", { "@", "", "ACTION", "x" }, {},
+          "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
+        { "ACTION with a value on an empty path", { "@", "", "ACTION", "x", "y" }, {},
+          "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
+        { "SERVERCMD on an empty path", { "@", "", "SERVERCMD", "SET_CFG_NOTIFY_TIMER", "1" }, {},
+          "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
+        { "the path travels as typed", { "@", "/a/b_1", "SERVERSTAT" }, answerStatus, "5\n",
+          { "/a/b_1 DBusServerStatus" }, 0 },
+
+        { "an unknown word", { "@", "/", "NOPE" }, {}, unknownWord, {}, 1 },
+        { "a command word in lower case", { "@", "/", "serverstat" }, {}, unknownWord, {}, 1 },
+        { "a longer word", { "@", "/", "SERVERSTATS" }, {}, unknownWord, {}, 1 },
+        { "the beginning of a word", { "@", "/", "SERVER" }, {}, unknownWord, {}, 1 },
+        { "an empty word", { "@", "/", "" }, {}, unknownWord, {}, 1 },
+        { "-h as the command word is an unknown word", { "@", "/", "-h" }, {}, unknownWord, {}, 1 },
+        { "--help as the command word is an unknown word", { "@", "/", "--help", "x" }, {},
+          unknownWord, {}, 1 },
+        { "-h as an argument is an argument", { "@", "/", "ACTION", "-h" }, {}, "",
+          { "DoAction s ('-h',)" }, 0 },
+        { "-H is a service", { "-H", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },
+
+        // QCoreApplication takes these words out of the vector.
+        { "a debugger word in front changes nothing",
+          { "-qmljsdebugger=x", "@", "/", "SERVERSTAT" }, answerStatus, "5\n",
+          { "DBusServerStatus" }, 0 },
+        { "a debugger word takes the one behind along",
+          { "@", "-qmljsdebugger", "x", "/", "SERVERSTAT" }, answerStatus, "5\n",
+          { "DBusServerStatus" }, 0 },
+        { "a command word that was taken out is an unknown word", { "@", "/", "-qmljsdebugger=x" },
+          {}, unknownWord, {}, 1 },
+        { "a command word that went along is an unknown word",
+          { "@", "/", "-qmljsdebugger", "SERVERSTAT" }, answerStatus, unknownWord, {}, 1 },
+        { "a path that was taken out is empty, and what went along does not come back",
+          { "@", "-qmljsdebugger", "SERVERSTAT" }, answerStatus, unknownWord, {}, 1 },
+        { "a destination that was taken out is empty",
+          { "--qmljsdebugger=a", "-qmljsdebugger=b", "-qmljsdebugger=c" }, {}, notValid(""), {},
+          1 },
+        { "an argument that was taken out is missing", { "@", "/", "ACTION", "-qmljsdebugger=x" },
+          {}, "Error While Parsing Command -- use -h for help   err:3\n", {}, 3 },
+    };
+    // clang-format on
+}
+
+} // namespace
+
+class tst_Connection : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void run_data() { table.addTestData(); }
+    void run()
+    {
+        QFETCH(int, row);
+        table.check(row);
+    }
+    void noBus_data();
+    void noBus();
+    void linesAreOutBeforeTheHalfSecondEnds_data();
+    void linesAreOutBeforeTheHalfSecondEnds();
+    void aFailedConnectionDoesNotWait();
+
+private:
+    MovraRows table { rows() };
+};
+
+void tst_Connection::noBus_data()
+{
+    QTest::addColumn<QByteArrayList>("environment");
+    QTest::newRow("no address") << QByteArrayList();
+    QTest::newRow("nobody listens")
+        << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent" };
+    QTest::newRow("no address at all in the text")
+        << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=garbage" };
+}
+
+void tst_Connection::noBus()
+{
+    QFETCH(QByteArrayList, environment);
+
+    Program program(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" }, environment);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.out, notValid("Not connected to D-Bus server"));
+    QCOMPARE(program.err, QByteArray());
+    QCOMPARE(program.status, 1);
+}
+
+void tst_Connection::linesAreOutBeforeTheHalfSecondEnds_data()
+{
+    QTest::addColumn<QByteArray>("word");
+    QTest::addColumn<QByteArray>("out");
+    QTest::newRow("an answer") << QByteArray("SERVERSTAT") << QByteArray("5\n");
+    QTest::newRow("the error line") << QByteArray("NOPE") << unknownWord;
+}
+
+void tst_Connection::linesAreOutBeforeTheHalfSecondEnds()
+{
+    QFETCH(QByteArray, word);
+    QFETCH(QByteArray, out);
+
+    FakeService service;
+    answerStatus(service);
+    Program program(MOVRA_PROGRAM, { "com.varn.tul", "/", word }, busEnvironment());
+    QVERIFY(program.waitForLines(1));
+    const auto printed = std::chrono::steady_clock::now();
+    QCOMPARE(program.out, out);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.out, out);
+    const std::chrono::duration<double, std::milli> lingered = program.ended - printed;
+    // The upper limit is wide because machines are busy; the lower one is what the timer grants,
+    // less the time between the line and the timer's start.
+    QVERIFY2(lingered.count() > 400 && lingered.count() < 5000,
+             QByteArray::number(lingered.count()).constData());
+}
+
+void tst_Connection::aFailedConnectionDoesNotWait()
+{
+    // A run that waited could never be quicker than the timer; one that does not wait may be slow
+    // on a busy machine, so the quickest of several counts.
+    std::chrono::duration<double, std::milli> quickest { 1e9 };
+    for (int i = 0; i < 10 && quickest.count() >= 450; ++i) {
+        const auto started = std::chrono::steady_clock::now();
+        Program program(MOVRA_PROGRAM, { "com.varn.nobody", "/", "SERVERSTAT" }, busEnvironment());
+        QVERIFY(program.waitForEnd());
+        quickest = std::min<decltype(quickest)>(quickest, program.ended - started);
+    }
+    QVERIFY2(quickest.count() < 450, QByteArray::number(quickest.count()).constData());
+}
+
+QTEST_GUILESS_MAIN(tst_Connection)
+#include "tst_connection.moc"

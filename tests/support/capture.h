@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+// What code in this process prints, as bytes.
+#pragma once
+
+#include <QByteArray>
+
+#include <functional>
+
+/// Runs the action and returns what it wrote to standard output, whichever way it wrote.
+QByteArray captureOutput(const std::function<void()> &action);

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/movrarun.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+
+constexpr int sideBySide = 16;
+
+QByteArray nameOfRow(int index)
+{
+    return "com.varn.row" + QByteArray::number(index);
+}
+
+} // namespace
+
+QByteArrayList busEnvironment()
+{
+    return { "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS") };
+}
+
+MovraRows::Run::Run(const MovraRow &row, const QByteArray &serviceName)
+    : service(serviceName)
+{
+    if (row.prepare) {
+        row.prepare(service);
+    }
+    QByteArrayList arguments = row.arguments;
+    std::replace(arguments.begin(), arguments.end(), QByteArray("@"), serviceName);
+    program = std::make_unique<Program>(MOVRA_PROGRAM, arguments, busEnvironment());
+}
+
+MovraRows::MovraRows(std::vector<MovraRow> table)
+    : rows(std::move(table))
+{
+}
+
+void MovraRows::addTestData() const
+{
+    QTest::addColumn<int>("row");
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        QTest::newRow(rows[i].name) << static_cast<int>(i);
+    }
+}
+
+void MovraRows::check(int index)
+{
+    const int last = std::min(index + sideBySide, static_cast<int>(rows.size()));
+    for (int next = static_cast<int>(runs.size()); next < last; ++next) {
+        runs.push_back(
+            std::make_unique<Run>(rows[static_cast<std::size_t>(next)], nameOfRow(next)));
+    }
+
+    const MovraRow &row = rows[static_cast<std::size_t>(index)];
+    Run &run = *runs[static_cast<std::size_t>(index)];
+    QVERIFY2(run.program->waitForEnd(), "the program did not end");
+    QCOMPARE(run.program->out, row.out);
+    QCOMPARE(run.program->err, QByteArray());
+    QCOMPARE(run.service.takeCalls(), row.calls);
+    QCOMPARE(run.program->status, row.status);
+}

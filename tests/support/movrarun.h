@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Rows for the built program: what is typed, what the service answers, what must come out. Rows run
+// side by side, each against a fake service with a name of its own, because each lasts half a
+// second.
+#pragma once
+
+#include "tests/support/fakeservice.h"
+#include "tests/support/program.h"
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+/// The environment of a program under test: the private bus and nothing else.
+QByteArrayList busEnvironment();
+
+/// One run of the program.
+struct MovraRow {
+    const char *name; ///< a sentence
+    QByteArrayList arguments; ///< what is typed; "@" stands for the name of the row's own service
+    std::function<void(FakeService &)> prepare; ///< what the service answers; may be empty
+    QByteArray out; ///< the whole of standard output
+    QByteArrayList calls; ///< what reaches the service, in order
+    int status;
+};
+
+/// Starts rows ahead of the one that is asked for, so that they linger together.
+class MovraRows
+{
+public:
+    explicit MovraRows(std::vector<MovraRow> table);
+    /// Adds one data row per table row: the column "row" of type int.
+    void addTestData() const;
+    /// Waits for a row's run and compares streams, calls and status, inside a test function.
+    void check(int index);
+
+private:
+    struct Run {
+        FakeService service;
+        std::unique_ptr<Program> program;
+        Run(const MovraRow &row, const QByteArray &serviceName);
+    };
+
+    std::vector<MovraRow> rows;
+    std::vector<std::unique_ptr<Run>> runs;
+};

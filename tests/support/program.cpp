@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/program.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::seconds patience { 30 };
+
+std::vector<char *> vectorOf(QByteArrayList &words)
+{
+    std::vector<char *> entries;
+    for (QByteArray &word : words) {
+        entries.push_back(word.data());
+    }
+    entries.push_back(nullptr);
+    return entries;
+}
+
+/// Appends what the pipe holds; closes it at its end.
+void drain(int &pipe, QByteArray &to)
+{
+    std::array<char, 65536> buffer {};
+    const ssize_t count = read(pipe, buffer.data(), buffer.size());
+    if (count > 0) {
+        to.append(buffer.data(), static_cast<int>(count));
+    } else if (count == 0 || errno != EINTR) {
+        close(pipe);
+        pipe = -1;
+    }
+}
+
+} // namespace
+
+Program::Program(const QByteArray &file, const QByteArrayList &arguments,
+                 const QByteArrayList &environment)
+{
+    QByteArrayList words { file };
+    words += arguments;
+    QByteArrayList variables = environment;
+    for (const char *name : { "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS" }) {
+        if (const char *value = getenv(name)) {
+            variables.append(QByteArray(name) + '=' + value);
+        }
+    }
+
+    std::array<int, 2> outEnds {};
+    std::array<int, 2> errEnds {};
+    if (pipe2(outEnds.data(), O_CLOEXEC) != 0 || pipe2(errEnds.data(), O_CLOEXEC) != 0) {
+        throw std::runtime_error(std::string("pipe: ") + strerror(errno));
+    }
+    outPipe = outEnds[0];
+    errPipe = errEnds[0];
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, outEnds[1], STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, errEnds[1], STDERR_FILENO);
+    const int failure = posix_spawn(&pid, file.constData(), &actions, nullptr,
+                                    vectorOf(words).data(), vectorOf(variables).data());
+    posix_spawn_file_actions_destroy(&actions);
+    close(outEnds[1]);
+    close(errEnds[1]);
+    if (failure != 0) {
+        throw std::runtime_error(file.toStdString() + ": " + strerror(failure));
+    }
+}
+
+Program::~Program()
+{
+    if (pid > 0) {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+    }
+    close(outPipe);
+    close(errPipe);
+}
+
+bool Program::readSome(Clock::time_point deadline)
+{
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    std::array<pollfd, 2> pipes { { { outPipe, POLLIN, 0 }, { errPipe, POLLIN, 0 } } };
+    if (left.count() <= 0
+        || poll(pipes.data(), pipes.size(), static_cast<int>(left.count())) <= 0) {
+        return Clock::now() < deadline;
+    }
+    if (pipes[0].revents != 0) {
+        drain(outPipe, out);
+    }
+    if (pipes[1].revents != 0) {
+        drain(errPipe, err);
+    }
+    return true;
+}
+
+bool Program::waitForLines(int count)
+{
+    const auto deadline = Clock::now() + patience;
+    while (out.count('\n') < count) {
+        if (outPipe < 0 || !readSome(deadline)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Program::waitForEnd()
+{
+    const auto deadline = Clock::now() + patience;
+    bool inTime = true;
+    while (inTime && (outPipe >= 0 || errPipe >= 0)) {
+        inTime = readSome(deadline);
+    }
+    if (!inTime) {
+        kill(pid, SIGKILL);
+    }
+    int state = 0;
+    waitpid(pid, &state, 0);
+    ended = Clock::now();
+    pid = -1;
+    status = WIFEXITED(state) ? WEXITSTATUS(state) : 256 + WTERMSIG(state);
+    return inTime;
+}

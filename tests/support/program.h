@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// Runs programs with exactly the bytes a test gives: arguments, environment, both output streams.
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <chrono>
+
+#include <sys/types.h>
+
+/// A running program: standard input is empty, standard output and standard error are kept apart.
+class Program
+{
+public:
+    /// Starts the program. `arguments` begins with argument 1; `environment` holds NAME=value
+    /// entries and is the whole environment but for the options of the sanitizers.
+    Program(const QByteArray &file, const QByteArrayList &arguments,
+            const QByteArrayList &environment);
+    /// Kills the program if it still runs.
+    ~Program();
+    Program(const Program &) = delete;
+    Program &operator=(const Program &) = delete;
+
+    /// Reads until standard output holds this many lines; false if it ends or 30 s pass before.
+    bool waitForLines(int count);
+    /// Reads until the program has ended; false, and the program is killed, if 30 s pass before.
+    bool waitForEnd();
+
+    QByteArray out; ///< standard output so far
+    QByteArray err; ///< standard error so far
+    int status = -1; ///< exit status, or the number of the signal that ended it plus 256
+    std::chrono::steady_clock::time_point ended; ///< when the program was seen to have ended
+
+private:
+    /// Waits for output, or for the end of both streams; false at the deadline.
+    bool readSome(std::chrono::steady_clock::time_point deadline);
+
+    pid_t pid = -1;
+    int outPipe = -1;
+    int errPipe = -1;
+};
