@@ -71,8 +71,7 @@ public Q_SLOTS:
     // clang-format on
 
 Q_SIGNALS:
-    // Subscribed to on the bus only while something is connected. There is no SigLogNotification,
-    // although the monitor asks for one.
+    // Subscribed to on the bus only while something is connected.
     void SigAlarm(const QString &alarmMsg);
     void SigDBusServerClosing(const QString &msg);
     void SigError(const QString &errorMsg);

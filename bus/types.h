@@ -9,6 +9,7 @@
 #include <QVariant>
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 /// One item's identifier and value; D-Bus signature `(sv)`.

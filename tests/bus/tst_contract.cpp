@@ -12,10 +12,17 @@ namespace
 {
 
 struct Interface {
-    QString name;
-    QStringList
-        members; ///< "signal Name(type name, ...)" and "method Name(type name, ...) -> type"
+    QStringList names;
+    /// "signal Name(type name, ...)" and "method Name(type name, ...) -> type", where a type is its
+    /// signature, followed by its name in C++ if Qt's tools need to be told.
+    QStringList members;
 };
+
+/// Types that Qt's tools know by their signature.
+bool isKnownToTools(const QString &signature)
+{
+    return signature.size() == 1 || signature == QLatin1String("as");
+}
 
 Interface fromFile()
 {
@@ -26,8 +33,9 @@ Interface fromFile()
     QXmlStreamReader xml(&file);
     Interface interface;
     QString head;
-    QStringList arguments;
-    QString result;
+    QStringList in;
+    QStringList out;
+    QStringList *last = nullptr; ///< where the argument went that was read last
     while (!xml.atEnd()) {
         xml.readNext();
         const auto attribute = [&xml](const char *name) {
@@ -36,20 +44,27 @@ Interface fromFile()
         const bool isMember =
             xml.name() == QLatin1String("method") || xml.name() == QLatin1String("signal");
         if (xml.isStartElement() && xml.name() == QLatin1String("interface")) {
-            interface.name = attribute("name");
+            interface.names.append(attribute("name"));
         } else if (xml.isStartElement() && isMember) {
             head = xml.name().toString() + QLatin1Char(' ') + attribute("name");
-            arguments.clear();
-            result.clear();
+            in.clear();
+            out.clear();
         } else if (xml.isStartElement() && xml.name() == QLatin1String("arg")) {
-            if (attribute("direction") == QLatin1String("out")) {
-                result = QStringLiteral(" -> ") + attribute("type");
-            } else {
-                arguments.append(attribute("type") + QLatin1Char(' ') + attribute("name"));
-            }
+            last = attribute("direction") == QLatin1String("out") ? &out : &in;
+            last->append((attribute("type") + QLatin1Char(' ') + attribute("name")).trimmed());
+        } else if (xml.isStartElement() && xml.name() == QLatin1String("annotation")) {
+            // A signal's arguments count as going out.
+            const bool goesOut = last == &out || head.startsWith(QLatin1String("signal"));
+            const QString name = QStringLiteral("org.qtproject.QtDBus.QtTypeName.%1%2")
+                                     .arg(goesOut ? QStringLiteral("Out") : QStringLiteral("In"))
+                                     .arg(last->size() - 1);
+            last->last() += QLatin1Char(' ')
+                + (attribute("name") == name ? attribute("value") : attribute("name"));
         } else if (xml.isEndElement() && isMember) {
-            interface.members.append(head + QLatin1Char('(') + arguments.join(QStringLiteral(", "))
-                                     + QLatin1Char(')') + result);
+            interface.members.append(
+                head + QLatin1Char('(') + in.join(QStringLiteral(", ")) + QLatin1Char(')')
+                + (out.isEmpty() ? QString()
+                                 : QStringLiteral(" -> ") + out.join(QStringLiteral(", "))));
         }
     }
     if (xml.hasError()) {
@@ -58,10 +73,19 @@ Interface fromFile()
     return interface;
 }
 
-QString signatureOf(const QByteArray &typeName)
+/// An argument or a result of the proxy, as the file has it.
+QString describe(const QByteArray &typeName, const QByteArray &name = {})
 {
-    return QString::fromLatin1(
-        QDBusMetaType::typeToSignature(QMetaType::type(typeName.constData())));
+    const QString signature =
+        QString::fromLatin1(QDBusMetaType::typeToSignature(QMetaType::type(typeName.constData())));
+    QString text = signature;
+    if (!name.isEmpty()) {
+        text += QLatin1Char(' ') + QString::fromLatin1(name);
+    }
+    if (!isKnownToTools(signature)) {
+        text += QLatin1Char(' ') + QString::fromLatin1(typeName);
+    }
+    return text;
 }
 
 QStringList fromProxy()
@@ -72,20 +96,19 @@ QStringList fromProxy()
         const QMetaMethod method = meta.method(i);
         QStringList arguments;
         for (int a = 0; a < method.parameterCount(); ++a) {
-            arguments.append(signatureOf(method.parameterTypes().at(a)) + QLatin1Char(' ')
-                             + QString::fromLatin1(method.parameterNames().at(a)));
+            arguments.append(
+                describe(method.parameterTypes().at(a), method.parameterNames().at(a)));
         }
-        QString result;
+        const bool isSignal = method.methodType() == QMetaMethod::Signal;
         QByteArray reply = method.typeName(); // QDBusPendingReply<...>
         reply = reply.mid(reply.indexOf('<') + 1);
         reply.chop(1);
-        if (method.methodType() != QMetaMethod::Signal && !reply.trimmed().isEmpty()) {
-            result = QStringLiteral(" -> ") + signatureOf(reply.trimmed());
-        }
+        reply = reply.trimmed();
         members.append(
-            QString::fromLatin1(method.methodType() == QMetaMethod::Signal ? "signal " : "method ")
+            (isSignal ? QStringLiteral("signal ") : QStringLiteral("method "))
             + QString::fromLatin1(method.name()) + QLatin1Char('(')
-            + arguments.join(QStringLiteral(", ")) + QLatin1Char(')') + result);
+            + arguments.join(QStringLiteral(", ")) + QLatin1Char(')')
+            + (isSignal || reply.isEmpty() ? QString() : QStringLiteral(" -> ") + describe(reply)));
     }
     return members;
 }
@@ -110,7 +133,7 @@ private Q_SLOTS:
 
 void tst_Contract::theInterfaceHasItsName()
 {
-    QCOMPARE(fromFile().name, QStringLiteral("varn.pim"));
+    QCOMPARE(fromFile().names, QStringList { QStringLiteral("varn.pim") });
     QCOMPARE(QLatin1String(KorAppInterface::staticInterfaceName()), QLatin1String("varn.pim"));
 }
 

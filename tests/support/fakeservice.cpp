@@ -2,15 +2,20 @@
 #include "tests/support/fakeservice.h"
 
 #include <gio/gio.h>
+#include <gio/gunixfdlist.h>
 
 #include <QList>
 
 #include <chrono>
 #include <condition_variable>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <stdexcept>
 #include <string>
+#include <utility>
+
+#include <unistd.h>
 
 namespace
 {
@@ -63,7 +68,9 @@ QByteArray describe(GDBusMessage *call)
 } // namespace
 
 struct FakeService::Private {
+    enum class Manner { Answer, Refuse, Ignore, Leave };
     struct Answer {
+        Manner manner = Manner::Answer;
         Value body;
         QByteArray errorName;
         QByteArray errorMessage;
@@ -74,6 +81,12 @@ struct FakeService::Private {
     std::condition_variable arrived;
     QByteArrayList calls;
     std::map<QByteArray, Answer> answers;
+
+    void setAnswer(const QByteArray &member, Answer answer)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        answers[member] = std::move(answer);
+    }
 
     /// Runs on GDBus's own thread.
     static GDBusMessage *filter(GDBusConnection *connection, GDBusMessage *message,
@@ -93,30 +106,48 @@ struct FakeService::Private {
         const std::lock_guard<std::mutex> lock(mutex);
         calls.append(describe(call));
         arrived.notify_all();
-        const QByteArray member = g_dbus_message_get_member(call);
-        if ((g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) == 0) {
-            GDBusMessage *reply = replyTo(call, member);
+        const auto found = answers.find(g_dbus_message_get_member(call));
+        const Answer *answer = found != answers.end() ? &found->second : nullptr;
+        const Manner manner = answer != nullptr ? answer->manner : Manner::Answer;
+        if (manner == Manner::Leave) {
+            g_dbus_connection_close(to, nullptr, nullptr, nullptr);
+        } else if (manner != Manner::Ignore
+                   && (g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED)
+                       == 0) {
+            GDBusMessage *reply = replyTo(call, answer);
             g_dbus_connection_send_message(to, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,
                                            nullptr);
             g_object_unref(reply);
         }
     }
 
-    GDBusMessage *replyTo(GDBusMessage *call, const QByteArray &member)
+    static GDBusMessage *replyTo(GDBusMessage *call, const Answer *answer)
     {
-        const auto answer = answers.find(member);
-        if (answer != answers.end() && !answer->second.errorName.isEmpty()) {
-            return g_dbus_message_new_method_error_literal(call,
-                                                           answer->second.errorName.constData(),
-                                                           answer->second.errorMessage.constData());
+        if (answer != nullptr && answer->manner == Manner::Refuse) {
+            return g_dbus_message_new_method_error_literal(call, answer->errorName.constData(),
+                                                           answer->errorMessage.constData());
         }
         GDBusMessage *reply = g_dbus_message_new_method_reply(call);
-        if (answer != answers.end()) {
-            g_dbus_message_set_body(reply, answer->second.body.get());
-        } else if (member == "Echo") {
+        if (answer != nullptr) {
+            g_dbus_message_set_body(reply, answer->body.get());
+            attachFiles(reply);
+        } else if (qstrcmp(g_dbus_message_get_member(call), "Echo") == 0) {
             g_dbus_message_set_body(reply, g_dbus_message_get_body(call));
         }
         return reply;
+    }
+
+    /// A handle in a body is an index into the files that travel along: one file is enough for all.
+    static void attachFiles(GDBusMessage *message)
+    {
+        if (std::strchr(g_dbus_message_get_signature(message), 'h') == nullptr
+            && std::strchr(g_dbus_message_get_signature(message), 'v') == nullptr) {
+            return;
+        }
+        GUnixFDList *files = g_unix_fd_list_new();
+        g_unix_fd_list_append(files, STDIN_FILENO, nullptr);
+        g_dbus_message_set_unix_fd_list(message, files);
+        g_object_unref(files);
     }
 
     Value callBus(const char *interface, const char *member, GVariant *arguments) const
@@ -163,15 +194,23 @@ FakeService::~FakeService()
 
 void FakeService::answer(const QByteArray &member, const QByteArray &body)
 {
-    const std::lock_guard<std::mutex> lock(d->mutex);
-    d->answers[member] = { Value(parse(body)), {}, {} };
+    d->setAnswer(member, { Private::Manner::Answer, Value(parse(body)), {}, {} });
 }
 
 void FakeService::refuse(const QByteArray &member, const QByteArray &errorName,
                          const QByteArray &message)
 {
-    const std::lock_guard<std::mutex> lock(d->mutex);
-    d->answers[member] = { nullptr, errorName, message };
+    d->setAnswer(member, { Private::Manner::Refuse, nullptr, errorName, message });
+}
+
+void FakeService::ignore(const QByteArray &member)
+{
+    d->setAnswer(member, { Private::Manner::Ignore, nullptr, {}, {} });
+}
+
+void FakeService::leaveOn(const QByteArray &member)
+{
+    d->setAnswer(member, { Private::Manner::Leave, nullptr, {}, {} });
 }
 
 QByteArrayList FakeService::takeCalls()

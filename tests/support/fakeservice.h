@@ -23,6 +23,10 @@ public:
     void answer(const QByteArray &member, const QByteArray &body);
     /// From now on answers calls of the member with an error.
     void refuse(const QByteArray &member, const QByteArray &errorName, const QByteArray &message);
+    /// From now on leaves calls of the member without an answer.
+    void ignore(const QByteArray &member);
+    /// Leaves the bus when the member is called, without an answer.
+    void leaveOn(const QByteArray &member);
 
     /// The calls since the last time, in order of arrival, each as "member signature body": as in
     /// "DoAction ss ('a', 'b')". A path other than "/" or an interface other than "varn.pim" is put

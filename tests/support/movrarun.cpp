@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr int sideBySide = 16;
+constexpr int sideBySide = 32;
 
 QByteArray nameOfRow(int index)
 {
@@ -18,9 +18,21 @@ QByteArray nameOfRow(int index)
 
 } // namespace
 
+QByteArrayList sanitizerEnvironment()
+{
+    QByteArrayList variables;
+    for (const char *name : { "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS" }) {
+        if (qEnvironmentVariableIsSet(name)) {
+            variables.append(QByteArray(name) + '=' + qgetenv(name));
+        }
+    }
+    return variables;
+}
+
 QByteArrayList busEnvironment()
 {
-    return { "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS") };
+    return sanitizerEnvironment()
+        + QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS") };
 }
 
 MovraRows::Run::Run(const MovraRow &row, const QByteArray &serviceName)
@@ -56,7 +68,8 @@ void MovraRows::check(int index)
     }
 
     const MovraRow &row = rows[static_cast<std::size_t>(index)];
-    Run &run = *runs[static_cast<std::size_t>(index)];
+    const std::unique_ptr<Run> taken = std::move(runs[static_cast<std::size_t>(index)]);
+    Run &run = *taken;
     QVERIFY2(run.program->waitForEnd(), "the program did not end");
     QCOMPARE(run.program->out, row.out);
     QCOMPARE(run.program->err, QByteArray());

@@ -14,7 +14,10 @@
 #include <memory>
 #include <vector>
 
-/// The environment of a program under test: the private bus and nothing else.
+/// The variables that the sanitizers read, as they are set for the test itself.
+QByteArrayList sanitizerEnvironment();
+
+/// The environment of a program under test: the private bus, and what the sanitizers read.
 QByteArrayList busEnvironment();
 
 /// One run of the program.

@@ -3,9 +3,11 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -51,11 +53,6 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
     QByteArrayList words { file };
     words += arguments;
     QByteArrayList variables = environment;
-    for (const char *name : { "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS" }) {
-        if (const char *value = getenv(name)) {
-            variables.append(QByteArray(name) + '=' + value);
-        }
-    }
 
     std::array<int, 2> outEnds {};
     std::array<int, 2> errEnds {};
@@ -70,6 +67,7 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, outEnds[1], STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errEnds[1], STDERR_FILENO);
+    started = Clock::now();
     const int failure = posix_spawn(&pid, file.constData(), &actions, nullptr,
                                     vectorOf(words).data(), vectorOf(variables).data());
     posix_spawn_file_actions_destroy(&actions);
@@ -126,11 +124,16 @@ bool Program::waitForEnd()
     while (inTime && (outPipe >= 0 || errPipe >= 0)) {
         inTime = readSome(deadline);
     }
+    int state = 0;
+    // A program may close its streams long before it ends.
+    while (inTime && waitpid(pid, &state, WNOHANG) == 0) {
+        inTime = Clock::now() < deadline;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     if (!inTime) {
         kill(pid, SIGKILL);
+        waitpid(pid, &state, 0);
     }
-    int state = 0;
-    waitpid(pid, &state, 0);
     ended = Clock::now();
     pid = -1;
     status = WIFEXITED(state) ? WEXITSTATUS(state) : 256 + WTERMSIG(state);

@@ -30,6 +30,7 @@ public:
     QByteArray out; ///< standard output so far
     QByteArray err; ///< standard error so far
     int status = -1; ///< exit status, or the number of the signal that ended it plus 256
+    std::chrono::steady_clock::time_point started; ///< a moment before the program began
     std::chrono::steady_clock::time_point ended; ///< when the program was seen to have ended
 
 private:

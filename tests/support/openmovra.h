@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// The client object with its fields in sight.
+#pragma once
+
+#include "app/movra.h"
+
+class OpenMovra : public Movra
+{
+public:
+    OpenMovra()
+        : Movra(nullptr)
+    {
+    }
+    using Movra::iface;
+    using Movra::lastErrorText;
+};
