@@ -11,14 +11,15 @@ enum Position : int {
     CommandPosition = 3, ///< command word
     FirstArgument = 4, ///< the command's own arguments begin here
     SecondArgument = 5,
+    ThirdArgument = 6,
 };
 
 /// Exit statuses; the numbers are part of the interface to scripts.
 enum Status : int {
-    Success = 0, ///< also when the service refused the call: a failed call shows in its line only
+    Success = 0, ///< most commands end with it also when the service refused the call
     NotRun = 1, ///< usage text, failed connection, unknown command word
-    NotSupported = 2, ///< a word or a value is not supported
-    ArgumentMissing = 3, ///< a required argument is missing
+    NotSupported = 2, ///< mostly: a word or a value is not supported
+    ArgumentMissing = 3, ///< mostly: a required argument is missing
 };
 
 /// The word at a position, as it was typed; empty if the vector ends at or before it.

@@ -13,7 +13,10 @@ struct Command {
 };
 
 /// Searched from the top; a word that is not here is an unknown word.
-constexpr std::array<Command, 3> commandTable { {
+constexpr std::array<Command, 6> commandTable { {
+    { "SET", &Movra::setCommand },
+    { "SETARRAY", &Movra::setArrayCommand },
+    { "GET", &Movra::getCommand },
     { "ACTION", &Movra::actionCommand },
     { "SERVERSTAT", &Movra::serverStatCommand },
     { "SERVERCMD", &Movra::serverCmdCommand },

@@ -36,7 +36,7 @@ int main(int argc, char **argv)
         std::cout << "Error While Parsing Command -- use -h for help   err:" << status << std::endl;
     }
 
-    // Calls that nobody waits for leave during this half second. The monitor has no end of its own.
+    // Calls that nobody waits for go out meanwhile. The monitor has no end of its own.
     constexpr int lingerMs = 500;
     if (word != "SIG") {
         QTimer::singleShot(lingerMs, &client, SLOT(quit()));

@@ -7,12 +7,14 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 class KorAppInterface;
+class QDBusArgument;
 
 /// The program's one client object. It is connected once, then runs one command.
 ///
@@ -32,9 +34,16 @@ public:
     bool connectToService(const std::string &service, const std::string &path);
 
     // Command handlers: each takes the whole argument vector and returns the exit status.
+    int setCommand(char **argv);
+    int setArrayCommand(char **argv);
+    int getCommand(char **argv);
     int actionCommand(char **argv);
     int serverStatCommand(char **argv);
     int serverCmdCommand(char **argv);
+
+    /// Prints the elements of an array that arrived packed, one a line; for anything else that is
+    /// packed, one error line. `id`, as it was typed, says which kind of array to expect.
+    void printArgumentValue(const QString &id, const QDBusArgument &value);
 
 public Q_SLOTS:
     // DBG: wait for the reply; print the ids, or a line on failure.
@@ -44,7 +53,7 @@ public Q_SLOTS:
     /// Ends the event loop.
     void quit();
 
-    // SIG: print one line for each signal of the service.
+    // SIG: print what a signal of the service carries. No signal leads to the one for changed logs.
     void sigAlarmSlot(QString msg);
     void sigDBusServerClosingSlot(QString msg);
     void sigLogChangedNotificationSlot(QStringList changedLogMsgList);
@@ -68,7 +77,7 @@ public Q_SLOTS:
     void notifyLogStop(QString id);
     void notifyLogClear(QString id);
 
-protected:
+protected: // not private, so that tests can see what is left after a failure
     /// The service proxy. It has no parent and is never deleted: it lives until the process ends.
     KorAppInterface *iface = nullptr;
     QString lastErrorText; ///< text of the last bus error that was recorded
@@ -81,4 +90,15 @@ private:
     /// Records the last error and prints it in the line that ACTION, SERVERSTAT and SERVERCMD
     /// share.
     void reportFailedReply();
+
+    // GET: one call each, waited for; `id` is what was typed.
+    void getValue(const QString &id);
+    void getStatus(const QString &id);
+    void getValueStatus(const QString &id);
+    void printValue(const QString &id, const QVariant &value);
+    /// Records the last error and prints it in GET's own line.
+    void reportFailedGet();
+
+    /// SET and SETARRAY: sends the value for the id as it was typed, and waits for nothing.
+    void sendValue(const char *id, const QVariant &value);
 };

@@ -23,7 +23,8 @@ void tst_Commands::wordsStandInOrder()
     for (const Command &command : commandTable) {
         words.append(command.word);
     }
-    QCOMPARE(words, (QByteArrayList { "ACTION", "SERVERSTAT", "SERVERCMD" }));
+    QCOMPARE(words,
+             (QByteArrayList { "SET", "SETARRAY", "GET", "ACTION", "SERVERSTAT", "SERVERCMD" }));
 }
 
 void tst_Commands::handlers_data()
@@ -34,6 +35,9 @@ void tst_Commands::handlers_data()
         const Command *command = findCommand(word);
         QTest::newRow(word) << (command != nullptr && command->handler == handler);
     };
+    row("SET", &Movra::setCommand);
+    row("SETARRAY", &Movra::setArrayCommand);
+    row("GET", &Movra::getCommand);
     row("ACTION", &Movra::actionCommand);
     row("SERVERSTAT", &Movra::serverStatCommand);
     row("SERVERCMD", &Movra::serverCmdCommand);
@@ -48,7 +52,7 @@ void tst_Commands::handlers()
 void tst_Commands::unknownWords_data()
 {
     QTest::addColumn<QByteArray>("word");
-    QTest::newRow("lower case") << QByteArray("action");
+    QTest::newRow("lower case") << QByteArray("get");
     QTest::newRow("a beginning") << QByteArray("SERVER");
     QTest::newRow("a longer word") << QByteArray("ACTIONS");
     QTest::newRow("a blank behind") << QByteArray("ACTION ");

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+// Prints an array that arrived packed, one element a line.
+#include "app/arraykind.h"
+#include "app/movra.h"
+#include "bus/types.h"
+
+#include <QDBusArgument>
+
+#include <cstdio>
+#include <iostream>
+
+namespace
+{
+
+template <typename T> void printElements(const QDBusArgument &value)
+{
+    std::vector<T> elements;
+    value >> elements;
+    for (const T &element : elements) {
+        std::cout << element << std::endl;
+    }
+}
+
+/// The type to read elements as: what is on the wire, but for integers of the kind's width, which
+/// have the kind's signedness. An identifier without a kind word promises doubles.
+char elementToRead(const QString &id, char onWire)
+{
+    const ArrayKind *const kind = findArrayKind(id);
+    const char ofKind = kind != nullptr ? kind->element : 'd';
+    const auto bothIn = [=](const QByteArray &codes) {
+        return codes.contains(onWire) && codes.contains(ofKind);
+    };
+    return bothIn("iu") || bothIn("xt") ? ofKind : onWire;
+}
+
+void printArray(const QString &id, const QDBusArgument &value)
+{
+    // A service may send anything. Read as another type than it has, an element can be a number
+    // from nowhere or the end of the process, so only arrays of numbers are read at all.
+    const QString signature = value.currentSignature();
+    if (signature.size() != 2) {
+        return;
+    }
+    switch (elementToRead(id, signature.at(1).toLatin1())) {
+    case 'b':
+        return printElements<bool>(value);
+    case 'n':
+        return printElements<short>(value);
+    case 'q':
+        return printElements<ushort>(value);
+    case 'i':
+        return printElements<int32_t>(value);
+    case 'u':
+        return printElements<uint32_t>(value);
+    case 'x':
+        return printElements<qint64>(value);
+    case 't':
+        return printElements<quint64>(value);
+    case 'd':
+        return printElements<double>(value);
+    default:
+        return;
+    }
+}
+
+} // namespace
+
+void Movra::printArgumentValue(const QString &id, const QDBusArgument &value)
+{
+    // The blanks differ from line to line, and all are relied upon.
+    switch (value.currentType()) {
+    case QDBusArgument::ArrayType:
+        printArray(id, value);
+        break;
+    case QDBusArgument::BasicType:
+        std::puts("Error: value QDBusArgument BasicType");
+        break;
+    case QDBusArgument::VariantType:
+        std::puts("Error:  value QDBusArgument  VariantType");
+        break;
+    case QDBusArgument::StructureType:
+        std::puts("Error:  value QDBusArgument StructureType");
+        break;
+    case QDBusArgument::MapType:
+        std::puts("Error:  value QDBusArgument MapType");
+        break;
+    case QDBusArgument::MapEntryType:
+        std::puts("Error:  value QDBusArgument MapEntryType");
+        break;
+    default:
+        std::puts("Error:  value QDBusArgument UnknownType");
+        break;
+    }
+}

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+// Array kinds: how an item's identifier says what kind of array the item holds.
+#pragma once
+
+#include <QStringList>
+#include <QVariant>
+
+#include <array>
+
+/// One kind. SETARRAY builds what the kind says; the printer reads integers of the kind's width
+/// with the kind's signedness.
+struct ArrayKind {
+    const char *word; ///< searched anywhere in the identifier, case-sensitively
+    char element; ///< D-Bus type code of the elements
+    /// Makes the kind's array: a std::vector of the element type, or a QStringList. Text that does
+    /// not convert becomes 0.
+    QVariant (*fromTexts)(const QStringList &texts);
+};
+
+/// In the order of the search: each unsigned word stands before the signed word that it contains.
+extern const std::array<ArrayKind, 7> arrayKinds;
+
+/// The first kind whose word the identifier holds, or null.
+const ArrayKind *findArrayKind(const QString &id);

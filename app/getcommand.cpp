@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// GET: reads an item's value, its status, or both, and prints what came back.
+#include "app/commandline.h"
+#include "app/movra.h"
+#include "bus/proxies.h"
+
+#include <QDBusReply>
+
+#include <cstdio>
+#include <iostream>
+
+int Movra::getCommand(char **argv)
+{
+    if (argv[FirstArgument] == nullptr) {
+        return ArgumentMissing;
+    }
+    const QString first = QString::fromLatin1(argv[FirstArgument]);
+    // A word alone is always the id, even if it reads like a sub-word.
+    if (argv[SecondArgument] == nullptr) {
+        getValue(first);
+        return Success;
+    }
+    const QString id = QString::fromLatin1(argv[SecondArgument]);
+    // Prefixes, in this order; "ALL" is in the usage text, but not served.
+    if (first.startsWith(QLatin1String("STATUS"))) {
+        getStatus(id);
+    } else if (first.startsWith(QLatin1String("VALUE"))) {
+        getValue(id);
+    } else if (first.startsWith(QLatin1String("VAL_STAT"))) {
+        getValueStatus(id);
+    } else {
+        return NotSupported;
+    }
+    return Success;
+}
+
+// In all three, making a QDBusReply of the pending reply is the wait.
+
+void Movra::getValue(const QString &id)
+{
+    const QDBusReply<QDBusVariant> reply = iface->GetValue(id);
+    if (reply.isValid()) {
+        printValue(id, reply.value().variant());
+    } else {
+        reportFailedGet();
+    }
+}
+
+void Movra::getStatus(const QString &id)
+{
+    const QDBusReply<int> reply = iface->GetStatus(id);
+    if (reply.isValid()) {
+        std::printf("%d\n", reply.value());
+    } else {
+        reportFailedGet();
+    }
+}
+
+void Movra::getValueStatus(const QString &id)
+{
+    const QDBusReply<IdValueStatusStruct> reply = iface->GetValueStatus(id);
+    if (reply.isValid()) {
+        // The id in the record is the service's affair: the one that was typed decides.
+        const IdValueStatusStruct record = reply.value();
+        std::printf("status=%d\n", record.status);
+        printValue(id, record.value);
+    } else {
+        reportFailedGet();
+    }
+}
+
+void Movra::printValue(const QString &id, const QVariant &value)
+{
+    if (qstrncmp(value.typeName(), "QDBusArgument", 13) == 0) {
+        printArgumentValue(id, value.value<QDBusArgument>());
+    } else if (qstrncmp(value.typeName(), "QStringList", 11) == 0) {
+        const QStringList texts = value.toStringList();
+        for (const QString &text : texts) {
+            std::cout << text.toLatin1().constData() << '\n';
+        }
+    } else {
+        // A value that has no text form is an empty line.
+        std::cout << value.toString().toLatin1().constData() << '\n';
+    }
+}
+
+void Movra::reportFailedGet()
+{
+    // Three blanks before "err", where the other commands have five.
+    std::printf("Reply Not Valid   err=%s\n", recordLastError().constData());
+}

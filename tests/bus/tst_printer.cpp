@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// The printer of packed values, where no reply can lead: stepped into arguments, and large arrays.
+#include "app/movra.h"
+#include "bus/types.h"
+#include "tests/support/capture.h"
+#include "tests/support/fakeservice.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+namespace
+{
+
+/// Steps into a received argument as far as it likes.
+using Step = std::function<void(const QDBusArgument &)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Step)
+
+class tst_Printer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void typesThatAreNoArrays_data();
+    void typesThatAreNoArrays();
+    void manyElements();
+
+private:
+    /// Asks the service for a value, GVariant text, and returns it packed.
+    QDBusArgument received(const QByteArray &value);
+
+    std::unique_ptr<FakeService> service;
+};
+
+void tst_Printer::initTestCase()
+{
+    registerBusTypes();
+    service = std::make_unique<FakeService>();
+}
+
+QDBusArgument tst_Printer::received(const QByteArray &value)
+{
+    service->answer("Get", "(" + value + ",)");
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(
+        QDBusMessage::createMethodCall(QStringLiteral("com.varn.tul"), QStringLiteral("/"),
+                                       QStringLiteral("varn.pim"), QStringLiteral("Get")));
+    return reply.arguments().value(0).value<QDBusArgument>();
+}
+
+void tst_Printer::typesThatAreNoArrays_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<Step>("step");
+    QTest::addColumn<QByteArray>("out");
+
+    const auto stay = [](const QDBusArgument &) {};
+    const auto intoStructure = [](const QDBusArgument &value) { value.beginStructure(); };
+    QTest::newRow("basic: one blank after the colon")
+        << QByteArray("(1, 2)") << Step(intoStructure)
+        << QByteArray("Error: value QDBusArgument BasicType\n");
+    QTest::newRow("an array of bytes counts as basic")
+        << QByteArray("(b'abc', 1)") << Step(intoStructure)
+        << QByteArray("Error: value QDBusArgument BasicType\n");
+    QTest::newRow("variant: two blanks, and two before the type")
+        << QByteArray("(<1>, 2)") << Step(intoStructure)
+        << QByteArray("Error:  value QDBusArgument  VariantType\n");
+    QTest::newRow("structure") << QByteArray("(1, 2)") << Step(stay)
+                               << QByteArray("Error:  value QDBusArgument StructureType\n");
+    QTest::newRow("map") << QByteArray("{'a': 1}") << Step(stay)
+                         << QByteArray("Error:  value QDBusArgument MapType\n");
+    QTest::newRow("map entry") << QByteArray("{'a': 1}")
+                               << Step([](const QDBusArgument &value) { value.beginMap(); })
+                               << QByteArray("Error:  value QDBusArgument MapEntryType\n");
+    QTest::newRow("behind the end") << QByteArray("(1, 2)") << Step([](const QDBusArgument &value) {
+        int number = 0;
+        value.beginStructure();
+        value >> number >> number;
+    }) << QByteArray("Error:  value QDBusArgument UnknownType\n");
+}
+
+void tst_Printer::typesThatAreNoArrays()
+{
+    QFETCH(QByteArray, value);
+    QFETCH(Step, step);
+    QFETCH(QByteArray, out);
+
+    Movra movra(nullptr);
+    const QDBusArgument argument = received(value);
+    step(argument);
+    QCOMPARE(captureOutput([&] { movra.printArgumentValue(QStringLiteral("x"), argument); }), out);
+
+    Movra emptyHanded(nullptr);
+    QCOMPARE(captureOutput(
+                 [&] { emptyHanded.printArgumentValue(QStringLiteral("x"), QDBusArgument()); }),
+             QByteArray("Error:  value QDBusArgument UnknownType\n"));
+}
+
+void tst_Printer::manyElements()
+{
+    constexpr int count = 200000;
+    QByteArray value = "[uint32 0";
+    QByteArray lines = "0\n";
+    for (int i = 1; i < count; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        value += ", " + number;
+        lines += number + '\n';
+    }
+    Movra movra(nullptr);
+    const QDBusArgument argument = received(value + "]");
+    const QByteArray out = captureOutput(
+        [&] { movra.printArgumentValue(QStringLiteral(":x:uint32ARRAY:"), argument); });
+    QCOMPARE(out.size(), lines.size());
+    QVERIFY(out == lines);
+}
+
+QTEST_GUILESS_MAIN(tst_Printer)
+#include "tst_printer.moc"

@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: MIT
+// GET through the built program: forms, every type that a service may send, screen, wire and
+// status.
+#include "tests/support/movrarun.h"
+
+#include <QTest>
+
+#include <deque>
+#include <string>
+
+namespace
+{
+
+const QByteArray failed = "Reply Not Valid   err=\n"; // three blanks
+
+/// A value in a variant, as GVariant text, and what it is printed as.
+struct Value {
+    const char *name;
+    const char *id;
+    const char *variant;
+    const char *out;
+};
+
+const char *const plain = ":x:";
+
+// clang-format off
+const Value values[] = {
+    { "true", plain, "true", "true\n" },
+    { "false", plain, "false", "false\n" },
+    { "a byte is a character", plain, "byte 65", "A\n" },
+    { "a byte above 0x7f", plain, "byte 233", "\xe9\n" },
+    { "least int16", plain, "int16 -32768", "-32768\n" },
+    { "greatest uint16", plain, "uint16 65535", "65535\n" },
+    { "least int32", plain, "-2147483648", "-2147483648\n" },
+    { "greatest uint32", plain, "uint32 4294967295", "4294967295\n" },
+    { "least int64", plain, "int64 -9223372036854775808", "-9223372036854775808\n" },
+    { "greatest uint64", plain, "uint64 18446744073709551615", "18446744073709551615\n" },
+    { "a double has all its digits", plain, "0.1", "0.1\n" },
+    { "a double of seven digits", plain, "1234567.0", "1234567\n" },
+    { "a great double", plain, "1e300", "1e+300\n" },
+    { "infinity", plain, "inf", "inf\n" },
+    { "a text", plain, "'pordo_user'", "pordo_user\n" },
+    { "an empty text is an empty line", plain, "''", "\n" },
+    { "formats and line ends in a text", plain, "'%s%n\\ntwo'", "%s%n\ntwo\n" },
+    { "a text is printed in Latin-1", plain, "'é € \U0001F600'", "\xe9 ? ??\n" },
+    { "an object path has no text", plain, "objectpath '/a'", "\n" },
+    { "a signature has no text", plain, "signature 'as'", "\n" },
+    { "a file has no text", plain, "handle 0", "\n" },
+    { "a variant in a variant has no text", plain, "<5>", "\n" },
+    { "a text list is one line each", plain, "['wifi', '', 'é€']", "wifi\n\n\xe9?\n" },
+    { "a text list of one", plain, "['wifi']", "wifi\n" },
+    { "an empty text list prints nothing", plain, "@as []", "" },
+    { "a byte array is a text in UTF-8", plain, "b'abc \\303\\251'", "abc \xe9\n" },
+    { "an empty byte array is an empty line", plain, "@ay []", "\n" },
+    { "a structure", plain, "('a', <1>, 2)", "Error:  value QDBusArgument StructureType\n" },
+    { "a map", plain, "{'a': <1>}", "Error:  value QDBusArgument MapType\n" },
+    { "an empty map", plain, "@a{sv} {}", "Error:  value QDBusArgument MapType\n" },
+
+    { "doubles without a kind word", ":cfg:threshold:", "[0.5, 2.0]", "0.5\n2\n" },
+    { "doubles", ":a:doubleARRAY:", "[1.1, -0.25, 1e-07]", "1.1\n-0.25\n1e-07\n" },
+    { "doubles have six significant digits", ":a:doubleARRAY:",
+      "[1234567.0, 0.123456789, 1e300]", "1.23457e+06\n0.123457\n1e+300\n" },
+    { "doubles that are no numbers", ":a:doubleARRAY:", "[inf, -inf, nan]", "inf\n-inf\nnan\n" },
+    { "no doubles", ":a:doubleARRAY:", "@ad []", "" },
+    { "floats are doubles", ":a:floatARRAY:", "[1.5]", "1.5\n" },
+    { "uint32", ":result:x:uint32ARRAY:", "[uint32 1, 4294967295]", "1\n4294967295\n" },
+    { "no uint32", ":a:uint32ARRAY:", "@au []", "" },
+    { "int32", ":a:int32ARRAY:", "[-2147483648, 0, 2147483647]", "-2147483648\n0\n2147483647\n" },
+    { "no int32", ":a:int32ARRAY:", "@ai []", "" },
+    { "uint64", ":a:uint64ARRAY:", "[uint64 0, 18446744073709551615]", "0\n18446744073709551615\n" },
+    { "no uint64", ":a:uint64ARRAY:", "@at []", "" },
+    { "int64", ":a:int64ARRAY:", "[int64 -9223372036854775808, 9223372036854775807]",
+      "-9223372036854775808\n9223372036854775807\n" },
+    { "no int64", ":a:int64ARRAY:", "@ax []", "" },
+    { "a kind word may stand anywhere", "uint32ARRAY", "[uint32 7]", "7\n" },
+    { "texts print themselves whatever the kind", ":a:doubleARRAY:", "['1', 'b']", "1\nb\n" },
+    { "a plain value prints itself whatever the kind", ":a:doubleARRAY:", "5", "5\n" },
+    { "a stringARRAY of doubles is read as doubles", ":a:stringARRAY:", "[0.5]", "0.5\n" },
+
+    // Integers of the kind's width have the kind's sign.
+    { "int32 on the wire, an unsigned kind", ":a:uint32ARRAY:", "[-1, 5]", "4294967295\n5\n" },
+    { "uint32 on the wire, a signed kind", ":a:int32ARRAY:", "[uint32 4294967295]", "-1\n" },
+    { "int64 on the wire, an unsigned kind", ":a:uint64ARRAY:", "[int64 -1]",
+      "18446744073709551615\n" },
+    { "uint64 on the wire, a signed kind", ":a:int64ARRAY:", "[uint64 18446744073709551615]",
+      "-1\n" },
+    { "an id with both words and 64 bits on the wire", ":a:uint64ARRAY:int32ARRAY:",
+      "[uint64 18446744073709551615]", "18446744073709551615\n" },
+    { "an id with both words and 32 bits on the wire", ":a:uint64ARRAY:int32ARRAY:", "[-1]",
+      "-1\n" },
+    { "a kind word in capitals is none", ":a:DOUBLEARRAY:uint32array:", "[-1]", "-1\n" },
+
+    // Other numbers print as what they are, anything else prints nothing.
+    { "int32 without a kind word", "x", "[1, -2]", "1\n-2\n" },
+    { "uint32 for doubles", ":a:doubleARRAY:", "[uint32 4294967295]", "4294967295\n" },
+    { "uint64 for int32", ":a:int32ARRAY:", "[uint64 18446744073709551615]",
+      "18446744073709551615\n" },
+    { "int64 for uint32", ":a:uint32ARRAY:", "[int64 -1]", "-1\n" },
+    { "uint32 for uint64", ":a:uint64ARRAY:", "[uint32 4294967295]", "4294967295\n" },
+    { "int32 for int64", ":a:int64ARRAY:", "[-1]", "-1\n" },
+    { "doubles for int32", ":a:int32ARRAY:", "[1.5]", "1.5\n" },
+    { "doubles for uint64", ":a:uint64ARRAY:", "[1234567.0]", "1.23457e+06\n" },
+    { "booleans", ":a:doubleARRAY:", "[true, false]", "1\n0\n" },
+    { "no booleans", plain, "@ab []", "" },
+    { "int16", ":a:uint32ARRAY:", "[int16 -32768, 32767]", "-32768\n32767\n" },
+    { "uint16", ":a:int32ARRAY:", "[uint16 65535]", "65535\n" },
+    { "no int16", plain, "@an []", "" },
+    { "no uint16", plain, "@aq []", "" },
+    { "object paths", plain, "[objectpath '/a']", "" },
+    { "no object paths", plain, "@ao []", "" },
+    { "signatures", plain, "[signature 's']", "" },
+    { "files", plain, "[handle 0]", "" },
+    { "variants", ":a:doubleARRAY:", "[<1.5>]", "" },
+    { "no variants", plain, "@av []", "" },
+    { "arrays of arrays", ":a:int32ARRAY:", "[[1, 2], [3]]", "" },
+    { "arrays of texts in an array", plain, "[['a']]", "" },
+    { "structures in an array", ":a:uint32ARRAY:", "[(1, 's')]", "" },
+    { "maps in an array", plain, "[{'a': 1}]", "" },
+    { "byte arrays in an array", plain, "[b'abc', b'']", "" },
+};
+
+std::vector<MovraRow> forms()
+{
+    const auto error = [](const char *number) {
+        return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
+    };
+    const auto answers = [](const char *member, const char *body) {
+        return [=](FakeService &service) { service.answer(member, body); };
+    };
+    const auto refuses = [](const char *member) {
+        return [=](FakeService &service) {
+            service.refuse(member, "varn.pim.Error.Refused", "the reply's own text is never shown");
+        };
+    };
+    const auto text = answers("GetValue", "(<'t'>,)");
+    const auto status = answers("GetStatus", "(-7,)");
+    const auto record = answers("GetValueStatus", "((':another:doubleARRAY:', <[uint32 4294967295]>, -7),)");
+    return {
+        { "GET with nothing after it", { "@", "/", "GET" }, {}, error("3"), {}, 3 },
+        { "one word is the id", { "@", "/", "GET", ":x:" }, text, "t\n", { "GetValue s (':x:',)" },
+          0 },
+        { "one word is the id even if it reads like a sub-word", { "@", "/", "GET", "STATUS" },
+          text, "t\n", { "GetValue s ('STATUS',)" }, 0 },
+        { "an empty id", { "@", "/", "GET", "" }, text, "t\n", { "GetValue s ('',)" }, 0 },
+        { "VALUE", { "@", "/", "GET", "VALUE", ":x:" }, text, "t\n", { "GetValue s (':x:',)" }, 0 },
+        { "VALUES begins with VALUE", { "@", "/", "GET", "VALUES", ":x:" }, text, "t\n",
+          { "GetValue s (':x:',)" }, 0 },
+        { "STATUS prints the bare number", { "@", "/", "GET", "STATUS", ":x:" }, status, "-7\n",
+          { "GetStatus s (':x:',)" }, 0 },
+        { "STATUS2 begins with STATUS", { "@", "/", "GET", "STATUS2", ":x:" }, status, "-7\n",
+          { "GetStatus s (':x:',)" }, 0 },
+        { "VAL_STAT prints both, by the id that was typed",
+          { "@", "/", "GET", "VAL_STAT", ":x:int32ARRAY:" }, record, "status=-7\n-1\n",
+          { "GetValueStatus s (':x:int32ARRAY:',)" }, 0 },
+        { "VAL_STAT_SEVER is VAL_STAT", { "@", "/", "GET", "VAL_STAT_SEVER", ":x:int32ARRAY:" },
+          record, "status=-7\n-1\n", { "GetValueStatus s (':x:int32ARRAY:',)" }, 0 },
+        { "words after the id are ignored", { "@", "/", "GET", "VALUE", ":x:", "y", "z" }, text,
+          "t\n", { "GetValue s (':x:',)" }, 0 },
+        { "an empty id behind a sub-word", { "@", "/", "GET", "STATUS", "" }, status, "-7\n",
+          { "GetStatus s ('',)" }, 0 },
+
+        { "ALL is in the usage text, but refused", { "@", "/", "GET", "ALL", ":x:" }, text,
+          error("2"), {}, 2 },
+        { "a sub-word in lower case", { "@", "/", "GET", "status", ":x:" }, status, error("2"), {},
+          2 },
+        { "the beginning of a sub-word", { "@", "/", "GET", "VAL", ":x:" }, text, error("2"), {},
+          2 },
+        { "VAL_STA", { "@", "/", "GET", "VAL_STA", ":x:" }, text, error("2"), {}, 2 },
+        { "a sub-word with a blank before", { "@", "/", "GET", " VALUE", ":x:" }, text, error("2"),
+          {}, 2 },
+        { "an empty sub-word", { "@", "/", "GET", "", ":x:" }, text, error("2"), {}, 2 },
+        { "the id before the sub-word", { "@", "/", "GET", ":x:", "VALUE" }, text, error("2"), {},
+          2 },
+
+        { "an error reply to one word", { "@", "/", "GET", ":x:" }, refuses("GetValue"), failed,
+          { "GetValue s (':x:',)" }, 0 },
+        { "an error reply to VALUE", { "@", "/", "GET", "VALUE", ":x:" }, refuses("GetValue"),
+          failed, { "GetValue s (':x:',)" }, 0 },
+        { "an error reply to STATUS", { "@", "/", "GET", "STATUS", ":x:" }, refuses("GetStatus"),
+          failed, { "GetStatus s (':x:',)" }, 0 },
+        { "an error reply to VAL_STAT prints no status", { "@", "/", "GET", "VAL_STAT", ":x:" },
+          refuses("GetValueStatus"), failed, { "GetValueStatus s (':x:',)" }, 0 },
+        { "a value that is not in a variant is a failed call", { "@", "/", "GET", ":x:" },
+          answers("GetValue", "('t',)"), failed, { "GetValue s (':x:',)" }, 0 },
+        { "a value and more passes", { "@", "/", "GET", ":x:" }, answers("GetValue", "(<1>, 2)"),
+          "1\n", { "GetValue s (':x:',)" }, 0 },
+        { "no value at all is a failed call", { "@", "/", "GET", ":x:" },
+          answers("GetValue", "()"), failed, { "GetValue s (':x:',)" }, 0 },
+        { "an unsigned status is a failed call", { "@", "/", "GET", "STATUS", ":x:" },
+          answers("GetStatus", "(uint32 1,)"), failed, { "GetStatus s (':x:',)" }, 0 },
+        { "a record without a status is a failed call", { "@", "/", "GET", "VAL_STAT", ":x:" },
+          answers("GetValueStatus", "((':x:', <1>),)"), failed, { "GetValueStatus s (':x:',)" },
+          0 },
+        { "a record in pieces is a failed call", { "@", "/", "GET", "VAL_STAT", ":x:" },
+          answers("GetValueStatus", "(':x:', <1>, 2)"), failed, { "GetValueStatus s (':x:',)" },
+          0 },
+        { "nobody there", { ":1.999999", "/", "GET", ":x:" }, {}, failed, {}, 0 },
+        { "an empty path", { "@", "", "GET", "STATUS", ":x:" }, {},
+          "Reply Not Valid   err=Object path cannot be empty\n", {}, 0 },
+
+        { "the id: e acute typed in UTF-8 travels as two characters",
+          { "@", "/", "GET", "\xc3\xa9" }, text, "t\n", { "GetValue s ('Ã©',)" }, 0 },
+        { "the id: a lone byte 0xe9 travels as e acute", { "@", "/", "GET", "VALUE", "\xe9" }, text,
+          "t\n", { "GetValue s ('é',)" }, 0 },
+    };
+}
+// clang-format on
+
+/// Every value through each of the three forms that print one.
+std::vector<MovraRow> rows()
+{
+    static std::deque<std::string> names;
+    std::vector<MovraRow> table = forms();
+    for (const Value &value : values) {
+        const QByteArray id = value.id;
+        const QByteArray variant = QByteArray("<") + value.variant + ">";
+        const auto answerBoth = [variant](FakeService &service) {
+            service.answer("GetValue", "(" + variant + ",)");
+            service.answer("GetValueStatus", "((':echoed:uint32ARRAY:', " + variant + ", 5),)");
+        };
+        const QByteArray out = value.out;
+        const auto add = [&](const char *form, const QByteArrayList &arguments,
+                             const QByteArray &printed, const char *member) {
+            names.push_back(std::string(value.name) + form);
+            table.push_back({ names.back().c_str(),
+                              QByteArrayList { "@", "/", "GET" } + arguments,
+                              answerBoth,
+                              printed,
+                              { member + (" s ('" + id) + "',)" },
+                              0 });
+        };
+        add("", { id }, out, "GetValue");
+        add(", by VALUE", { "VALUE", id }, out, "GetValue");
+        add(", by VAL_STAT", { "VAL_STAT", id }, "status=5\n" + out, "GetValueStatus");
+    }
+    return table;
+}
+
+} // namespace
+
+class tst_Read : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void run_data() { table.addTestData(); }
+    void run()
+    {
+        QFETCH(int, row);
+        table.check(row);
+    }
+
+private:
+    MovraRows table { rows() };
+};
+
+QTEST_GUILESS_MAIN(tst_Read)
+#include "tst_read.moc"

@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: MIT
+// SET and SETARRAY through the built program: screen, wire and status.
+#include "tests/support/movrarun.h"
+
+#include <QTest>
+
+namespace
+{
+
+QByteArray error(const char *number)
+{
+    return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
+}
+
+/// A record as it travels: the id and the variant, both as GVariant text.
+QByteArrayList record(const char *id, const char *variant)
+{
+    return { QByteArray("SetValue a(sv) ([('") + id + "', <" + variant + ">)],)" };
+}
+
+void refuse(FakeService &service)
+{
+    service.refuse("SetValue", "varn.pim.Error.Refused", "no");
+}
+
+/// A SETARRAY that is accepted: what is typed from the id on, and what travels in the variant.
+MovraRow arrayRow(const char *name, const QByteArrayList &typed, const char *sent)
+{
+    return { name, QByteArrayList { "@", "/", "SETARRAY" } + typed, {},
+             "",   record(typed.first().constData(), sent),         0 };
+}
+
+// clang-format off
+std::vector<MovraRow> setRows()
+{
+    return {
+        { "SET sends a text", { "@", "/", "SET", ":config:data:ftp:userName:", "pordo_user" }, {},
+          "", record(":config:data:ftp:userName:", "'pordo_user'"), 0 },
+        { "SET sends a number as a text", { "@", "/", "SET", ":a:", "42" }, {}, "",
+          record(":a:", "'42'"), 0 },
+        { "SET sends a decimal number as a text", { "@", "/", "SET", ":a:", "1.5" }, {}, "",
+          record(":a:", "'1.5'"), 0 },
+        { "SET has no eye for kind words", { "@", "/", "SET", ":a:doubleARRAY:", "1.5" }, {}, "",
+          record(":a:doubleARRAY:", "'1.5'"), 0 },
+        { "SET ignores further words", { "@", "/", "SET", ":a:", "1", "2" }, {}, "",
+          record(":a:", "'1'"), 0 },
+        { "SET with an empty value", { "@", "/", "SET", ":a:", "" }, {}, "", record(":a:", "''"),
+          0 },
+        { "SET with an empty id", { "@", "/", "SET", "", "x" }, {}, "", record("", "'x'"), 0 },
+        { "SET trims nothing", { "@", "/", "SET", " :a: ", "  x\t" }, {}, "",
+          record(" :a: ", "'  x\\t'"), 0 },
+        { "SET is not told of a refusal", { "@", "/", "SET", ":a:", "x" }, refuse, "",
+          record(":a:", "'x'"), 0 },
+        { "SET to nobody", { ":1.999999", "/", "SET", ":a:", "x" }, {}, "", {}, 0 },
+        { "SET on an empty path", { "@", "", "SET", ":a:", "x" }, {}, "", {}, 0 },
+        { "SET without a value", { "@", "/", "SET", ":a:" }, {}, error("3"), {}, 3 },
+        { "SET without an id", { "@", "/", "SET" }, {}, error("3"), {}, 3 },
+        { "SET: the id is read as UTF-8, the value is Latin-1",
+          { "@", "/", "SET", ":\xc3\xa9:", "\xc3\xa9" }, {}, "", record(":é:", "'Ã©'"), 0 },
+        { "SET: a lone byte 0xe9 in the id is a replacement character",
+          { "@", "/", "SET", ":\xe9:", "\xe9" }, {}, "", record(":\xef\xbf\xbd:", "'é'"), 0 },
+        { "SET: a euro sign", { "@", "/", "SET", "€", "\xa4" }, {}, "", record("€", "'¤'"), 0 },
+    };
+}
+
+std::vector<MovraRow> setArrayRows()
+{
+    return {
+        arrayRow("doubles", { ":config:voip:delay:doubleARRAY:", "5", "1.1", "2.2", "3.3", "4.4", "5.5" },
+                 "[1.1000000000000001, 2.2000000000000002, 3.2999999999999998, 4.4000000000000004, 5.5]"),
+        arrayRow("floats are doubles", { ":x:floatARRAY:", "1", "0.5" }, "[0.5]"),
+        arrayRow("texts", { ":x:stringARRAY:", "2", "wifi", "bluetooth" }, "['wifi', 'bluetooth']"),
+        arrayRow("one text stays a list", { ":x:stringARRAY:", "1", "wifi" }, "['wifi']"),
+        arrayRow("an empty text", { ":x:stringARRAY:", "2", "", " a " }, "['', ' a ']"),
+        arrayRow("uint32: what does not convert is 0", { ":x:uint32ARRAY:", "3", "10", "-1", "abc" },
+                 "[uint32 10, 0, 0]"),
+        arrayRow("uint32: greatest and beyond", { ":x:uint32ARRAY:", "2", "4294967295", "4294967296" },
+                 "[uint32 4294967295, 0]"),
+        arrayRow("int32: extremes and beyond",
+                 { ":x:int32ARRAY:", "4", "-2147483648", "2147483647", "2147483648", "-2147483649" },
+                 "[-2147483648, 2147483647, 0, 0]"),
+        arrayRow("uint64: greatest and beyond",
+                 { ":x:uint64ARRAY:", "2", "18446744073709551615", "18446744073709551616" },
+                 "[uint64 18446744073709551615, 0]"),
+        arrayRow("int64: extremes and beyond",
+                 { ":x:int64ARRAY:", "3", "-9223372036854775808", "9223372036854775807",
+                   "9223372036854775808" },
+                 "[int64 -9223372036854775808, 9223372036854775807, 0]"),
+        arrayRow("integers: fractions, hexadecimals, commas and nothing are 0",
+                 { ":x:int32ARRAY:", "5", "1.5", "0x10", "1,000", "", "010" }, "[0, 0, 0, 0, 10]"),
+        arrayRow("integers: blanks around and a sign",
+                 { ":x:int32ARRAY:", "2", " 7 ", "+8" }, "[7, 8]"),
+        arrayRow("doubles: words, commas and nothing are 0",
+                 { ":x:doubleARRAY:", "4", "abc", "1,5", "", "1e3" }, "[0.0, 0.0, 0.0, 1000.0]"),
+        arrayRow("doubles: infinity, and what is too great for a double",
+                 { ":x:doubleARRAY:", "3", "inf", "-inf", "1e999" }, "[inf, -inf, inf]"),
+        arrayRow("only the announced length is sent", { ":x:int32ARRAY:", "2", "1", "2", "3" },
+                 "[1, 2]"),
+        arrayRow("a length of one", { ":x:int32ARRAY:", "1", "1", "2", "3" }, "[1]"),
+        arrayRow("the length may have blanks and a sign", { ":x:int32ARRAY:", " +1 ", "1" }, "[1]"),
+        arrayRow("the unsigned word holds the signed one: 64 bits", { ":x:uint64ARRAY:", "1", "-1" },
+                 "[uint64 0]"),
+        arrayRow("the first kind in the order of the search wins",
+                 { ":x:stringARRAY:int64ARRAY:uint32ARRAY:", "1", "5" }, "[uint32 5]"),
+        arrayRow("an id with uint64ARRAY and int32ARRAY is signed 32-bit",
+                 { ":a:uint64ARRAY:int32ARRAY:", "1", "-1" }, "[-1]"),
+        arrayRow("a kind word may stand anywhere", { "doubleARRAY", "1", "2" }, "[2.0]"),
+        { "SETARRAY is not told of a refusal", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "1", "1" },
+          refuse, "", record(":x:int32ARRAY:", "[1]"), 0 },
+        { "SETARRAY to nobody", { ":1.999999", "/", "SETARRAY", ":x:int32ARRAY:", "1", "1" }, {},
+          "", {}, 0 },
+        { "SETARRAY: the id is read as UTF-8, the texts are Latin-1",
+          { "@", "/", "SETARRAY", ":\xc3\xa9:stringARRAY", "2", "\xc3\xa9", "\xe9" }, {}, "",
+          record(":é:stringARRAY", "['Ã©', 'é']"), 0 },
+        { "SETARRAY: a lone byte 0xe9 in the id",
+          { "@", "/", "SETARRAY", "\xe9stringARRAY", "1", "a" }, {}, "",
+          record("\xef\xbf\xbdstringARRAY", "['a']"), 0 },
+
+        { "SETARRAY alone", { "@", "/", "SETARRAY" }, {}, error("3"), {}, 3 },
+        { "SETARRAY without a length", { "@", "/", "SETARRAY", ":x:int32ARRAY:" }, {}, error("3"),
+          {}, 3 },
+        { "SETARRAY without a value", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "1" }, {},
+          error("3"), {}, 3 },
+        { "SETARRAY: a wrong length without a value is a missing value",
+          { "@", "/", "SETARRAY", ":x:int32ARRAY:", "0" }, {}, error("3"), {}, 3 },
+        { "a length of 0", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "0", "1" }, {},
+          "Unsupported  array size 0\n" + error("2"), {}, 2 },
+        { "a length of 513", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "513", "1" }, {},
+          "Unsupported  array size 513\n" + error("2"), {}, 2 },
+        { "a length that is a word", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "five", "1" }, {},
+          "Unsupported  array size 0\n" + error("2"), {}, 2 },
+        { "a negative length", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "-1", "1" }, {},
+          "Unsupported  array size 0\n" + error("2"), {}, 2 },
+        { "an empty length", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "", "1" }, {},
+          "Unsupported  array size 0\n" + error("2"), {}, 2 },
+        { "the greatest length", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "4294967295", "1" }, {},
+          "Unsupported  array size 4294967295\n" + error("2"), {}, 2 },
+        { "a length beyond 32 bits", { "@", "/", "SETARRAY", ":x:int32ARRAY:", "4294967297", "1" },
+          {}, "Unsupported  array size 0\n" + error("2"), {}, 2 },
+        { "the length is tested before the kind", { "@", "/", "SETARRAY", ":x:", "0", "1" }, {},
+          "Unsupported  array size 0\n" + error("2"), {}, 2 },
+        { "no kind word is an error, not texts", { "@", "/", "SETARRAY", ":x:", "1", "1" }, {},
+          error("2"), {}, 2 },
+        { "a kind word in capitals is none", { "@", "/", "SETARRAY", ":x:INT32ARRAY:", "1", "1" },
+          {}, error("2"), {}, 2 },
+        { "the usage text's first example has no kind word",
+          { "@", "/", "SETARRAY", ":config:voip:delay:", "5", "1.1", "2.2", "3.3", "4.4", "5.5" },
+          {}, error("2"), {}, 2 },
+        { "the usage text's second example has no kind word",
+          { "@", "/", "SETARRAY", ":config:data:ifnames:", "2", "wifi", "bluetooth" }, {},
+          error("2"), {}, 2 },
+        { "the usage text's third example has no kind word",
+          { "@", "/", "SETARRAY", ":config:data:threshold:", "3", "10", "21", "40" }, {},
+          error("2"), {}, 2 },
+    };
+}
+// clang-format on
+
+std::vector<MovraRow> rows()
+{
+    std::vector<MovraRow> all = setRows();
+    for (const MovraRow &row : setArrayRows()) {
+        all.push_back(row);
+    }
+    return all;
+}
+
+/// "['a', 'b', ...]" in GVariant text.
+QByteArray listOf(const QByteArrayList &texts)
+{
+    return "['" + texts.join("', '") + "']";
+}
+
+} // namespace
+
+class tst_Write : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void run_data() { table.addTestData(); }
+    void run()
+    {
+        QFETCH(int, row);
+        table.check(row);
+    }
+    void theGreatestLength();
+    void aLengthBeyondTheValuesReadsTheEnvironment_data();
+    void aLengthBeyondTheValuesReadsTheEnvironment();
+    void aMegabyteArrivesWhole();
+
+private:
+    MovraRows table { rows() };
+};
+
+void tst_Write::theGreatestLength()
+{
+    FakeService service;
+    QByteArrayList values;
+    for (int i = 0; i < 512; ++i) {
+        values.append("v" + QByteArray::number(i));
+    }
+    Program program(MOVRA_PROGRAM,
+                    QByteArrayList { "com.varn.tul", "/", "SETARRAY", ":x:stringARRAY:", "512" }
+                        + values + QByteArrayList { "one too many" },
+                    busEnvironment());
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, 0);
+    QCOMPARE(program.out + program.err, QByteArray());
+    QCOMPARE(service.takeCalls(), record(":x:stringARRAY:", listOf(values).constData()));
+}
+
+void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment_data()
+{
+    QTest::addColumn<QByteArrayList>("takenOut"); ///< by QCoreApplication, before the handler runs
+    QTest::addColumn<QByteArray>("id");
+    QTest::addColumn<QByteArrayList>("lengthAndValues");
+    QTest::addColumn<QByteArray>("sent"); ///< %BUS% stands for the environment's first entry
+
+    const auto row = [](const char *name, const QByteArrayList &takenOut, const char *id,
+                        const QByteArrayList &lengthAndValues, const char *sent) {
+        QTest::newRow(name) << takenOut << QByteArray(id) << lengthAndValues << QByteArray(sent);
+    };
+    row("one more than given meets the null at the end of the vector", {},
+        ":x:stringARRAY:", { "2", "wifi" }, "['wifi']");
+    row("the null is a position of its own", {}, ":x:stringARRAY:", { "3", "wifi" },
+        "['wifi', '%BUS%']");
+    row("as far as the length goes", {}, ":x:stringARRAY:", { "4", "wifi" },
+        "['wifi', '%BUS%', 'A=1']");
+    row("up to the end of the environment", {}, ":x:stringARRAY:", { "512", "wifi", "bt" },
+        "['wifi', 'bt', '%BUS%', 'A=1', 'B=é']");
+    row("variables are no numbers", {}, ":x:int32ARRAY:", { "512", "7" }, "[7, 0, 0, 0]");
+    row("a word that was taken out leaves one more null", { "-qmljsdebugger=x" },
+        ":x:stringARRAY:", { "512", "wifi", "bt" }, "['wifi', 'bt', '%BUS%', 'A=1', 'B=é']");
+    row("two words that were taken out leave a stale one and one more null",
+        { "-qmljsdebugger", "x" }, ":x:stringARRAY:", { "512", "wifi", "bt" },
+        "['wifi', 'bt', 'bt', '%BUS%', 'A=1', 'B=é']");
+}
+
+void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment()
+{
+    QFETCH(QByteArrayList, takenOut);
+    QFETCH(QByteArray, id);
+    QFETCH(QByteArrayList, lengthAndValues);
+    QFETCH(QByteArray, sent);
+
+    FakeService service;
+    const QByteArray bus = "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    Program program(MOVRA_PROGRAM,
+                    QByteArrayList { "com.varn.tul", "/", "SETARRAY" } + takenOut
+                        + QByteArrayList { id } + lengthAndValues,
+                    { bus, "A=1", "B=\xe9" });
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, 0);
+    QCOMPARE(program.out + program.err, QByteArray());
+    QCOMPARE(service.takeCalls(), record(id.constData(), sent.replace("%BUS%", bus).constData()));
+}
+
+void tst_Write::aMegabyteArrivesWhole()
+{
+    FakeService service;
+    QByteArrayList values;
+    for (int i = 0; i < 512; ++i) {
+        values.append(QByteArray(2048, static_cast<char>('a' + i % 26)));
+    }
+    Program program(MOVRA_PROGRAM,
+                    QByteArrayList { "com.varn.tul", "/", "SETARRAY", ":x:stringARRAY:", "512" }
+                        + values,
+                    busEnvironment());
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, 0);
+    QCOMPARE(program.out + program.err, QByteArray());
+    QVERIFY(service.takeCalls() == record(":x:stringARRAY:", listOf(values).constData()));
+}
+
+QTEST_GUILESS_MAIN(tst_Write)
+#include "tst_write.moc"
