@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "sim/options.h"
+
+#include "sim/text.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+
+Options parseOptions(const QStringList &arguments)
+{
+    const QCommandLineOption service(QStringLiteral("service"), {}, QStringLiteral("NAME"),
+                                     QStringLiteral("com.varn.tul"));
+    const QCommandLineOption path(QStringLiteral("path"), {}, QStringLiteral("PATH"),
+                                  QStringLiteral("/"));
+    const QCommandLineOption catalog(QStringLiteral("catalog"), {}, QStringLiteral("FILE"));
+    const QCommandLineOption state(QStringLiteral("state"), {}, QStringLiteral("DIR"));
+    const QCommandLineOption help(QStringLiteral("help"));
+    const QCommandLineOption version(QStringLiteral("version"));
+    QCommandLineParser parser;
+    parser.addOptions({ service, path, catalog, state, help, version });
+
+    Options options;
+    if (!parser.parse(arguments)) {
+        options.problem = parser.errorText();
+        return options;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        options.problem = QStringLiteral("%1 is one argument too many.")
+                              .arg(quoted(parser.positionalArguments().first()));
+        return options;
+    }
+    if (parser.isSet(catalog) && parser.value(catalog).isEmpty()) {
+        options.problem = QStringLiteral("The name of the catalogue is empty.");
+        return options;
+    }
+    if (parser.isSet(help)) {
+        options.task = Options::Task::Help;
+    } else if (parser.isSet(version)) {
+        options.task = Options::Task::Version;
+    }
+    options.service = parser.value(service);
+    options.path = parser.value(path);
+    options.catalogFile = parser.value(catalog);
+    if (parser.isSet(state)) {
+        options.stateDirectory = parser.value(state);
+    }
+    return options;
+}
+
+QString helpText()
+{
+    return QStringLiteral(
+        R"(Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]
+
+A stand-in for the application service that movra talks to. It owns a name on the
+session bus, answers the interface "varn.pim" and prints "ready" once it does. It
+ends on SIGINT or SIGTERM, after a SigDBusServerClosing.
+
+Options:
+  --service NAME  the bus name to own (default com.varn.tul)
+  --path PATH     the object path to answer at (default /)
+  --catalog FILE  the items, actions and logs to offer, as JSON
+                  (default: a built-in catalogue of every kind)
+  --state DIR     where saved configurations and debug logs lie
+                  (default $XDG_STATE_HOME/movra-sim,
+                  else $HOME/.local/state/movra-sim)
+  --help          print this text
+  --version       print the version
+
+Exit status:
+  0  told to end, or help or version printed
+  1  wrong options or stray arguments
+  2  the catalogue cannot be read or is malformed
+  3  there is no session bus, or it went away
+  4  the bus name is malformed, taken or not allowed
+  5  the object path is malformed
+  6  the directory named by --state cannot be used
+)");
+}
+
+QString versionText()
+{
+    return QStringLiteral("movra-sim " MOVRA_SIM_VERSION "\n");
+}

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// The command line of the simulator.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// What the command line asks for.
+struct Options {
+    enum class Task { Serve, Help, Version };
+    Task task = Task::Serve;
+    QString service;
+    QString path;
+    QString catalogFile; ///< empty: the built-in catalogue
+    std::optional<QString> stateDirectory; ///< without one, the default
+    QString problem; ///< not empty: the command line is wrong, and why
+};
+
+/// Reads the arguments; the first one is the program's own name.
+Options parseOptions(const QStringList &arguments);
+/// What --help prints.
+QString helpText();
+/// What --version prints.
+QString versionText();

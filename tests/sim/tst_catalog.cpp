@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: MIT
+// The reader of catalogues: what is refused and in which words, and what the built-in one offers.
+#include "sim/catalog.h"
+#include "sim/resources.h"
+
+#include <QRegularExpression>
+#include <QSet>
+#include <QtTest>
+
+namespace
+{
+
+constexpr const char *emptyCatalog =
+    R"({"configs": [], "results": [], "actions": [], "logs": [], "debugLogs": []})";
+
+/// A catalogue whose list `key` is `list`, and whose other lists are empty.
+QByteArray catalogWith(const char *key, const QByteArray &list)
+{
+    const QByteArray field = QByteArray("\"") + key + "\": []";
+    return QByteArray(emptyCatalog).replace(field, field.chopped(2) + list);
+}
+
+} // namespace
+
+class TestCatalog : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatIsWrongIsToldWithItsPlace_data();
+    void whatIsWrongIsToldWithItsPlace();
+    void anEmptyCatalogIsACatalog();
+    void leftOutFieldsHaveDefaults();
+    void everyFieldIsRead();
+    void theBuiltInCatalogCoversEveryType();
+    void theBuiltInCatalogCanRaiseEverySignalOfAnAction();
+};
+
+void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("problem");
+    const auto row = [](const char *name, const QByteArray &text, const char *problem) {
+        QTest::newRow(name) << text << QString::fromUtf8(problem);
+    };
+    row("an empty text", "", "line 1, column 1: illegal value");
+    row("an array", "[]", "line 1, column 1: is an array, not an object");
+    row("a word too much", "{}\n x", "line 2, column 2: garbage at the end of the document");
+    row("a comma too much", "{\n  \"configs\": [],\n}",
+        "line 3, column 2: object is missing after a comma");
+    row("columns are characters", "{\"\xc3\xa4\": x}", "line 1, column 7: illegal number");
+    row("a missing list", "{}", "configs: is missing");
+    row("a list that is an object",
+        R"({"configs": [], "results": {}, "actions": [], "logs": [], "debugLogs": []})",
+        "results: is an object, not an array");
+    row("an unknown list",
+        R"({"configs": [], "results": [], "actions": [], "logs": [], "debugLogs": [], "x": 1})",
+        "x: is not known");
+
+    const auto config = [row](const char *name, const QByteArray &list, const char *problem) {
+        row(name, catalogWith("configs", list), problem);
+    };
+    config("a config that is text", R"(["a"])", "configs[0]: is a string, not an object");
+    config("a config without an id", R"([{"type": "bool", "value": true}])",
+           "configs[0].id: is missing");
+    config("an empty id", R"([{"id": "", "type": "bool", "value": true}])",
+           "configs[0].id: is empty");
+    config("an id that is a number", R"([{"id": 5, "type": "bool", "value": true}])",
+           "configs[0].id: is a number, not a string");
+    config("an id with U+0000", R"([{"id": "\u0000", "type": "bool", "value": true}])",
+           "configs[0].id: the text holds the character U+0000, which the bus cannot carry");
+    config(
+        "an id used twice",
+        R"([{"id": "a", "type": "bool", "value": true}, {"id": "a", "type": "bool", "value": true}])",
+        "configs[1].id: \"a\" is there already");
+    config("a config without a type", R"([{"id": "a", "value": true}])",
+           "configs[0].type: is missing");
+    config("an unknown type", R"([{"id": "a", "type": "float", "value": 1}])",
+           "configs[0].type: \"float\" is not a type");
+    config("a config without a value", R"([{"id": "a", "type": "bool"}])",
+           "configs[0].value: is missing");
+    config("a value out of range", R"([{"id": "a", "type": "int32", "value": 300000000000}])",
+           "configs[0].value: 300000000000 does not fit int32");
+    config("an element of the wrong kind",
+           R"([{"id": "a", "type": "string[]", "value": ["x", 1]}])",
+           "configs[0].value[1]: is a number, not a string");
+    config("a status that is text",
+           R"([{"id": "a", "type": "bool", "value": true, "status": "x"}])",
+           "configs[0].status: \"x\" is not a whole number");
+    config("an unknown field", R"([{"id": "a", "type": "bool", "value": true, "colour": 1}])",
+           "configs[0].colour: is not known");
+    row("an id of a config used by a result",
+        R"({"configs": [{"id": "a", "type": "bool", "value": true}],
+            "results": [{"id": "a", "type": "bool", "value": true}],
+            "actions": [], "logs": [], "debugLogs": []})",
+        "results[0].id: \"a\" is there already");
+
+    const auto action = [row](const char *name, const QByteArray &list, const char *problem) {
+        row(name, catalogWith("actions", list), problem);
+    };
+    action("an action that is null", "[null]", "actions[0]: is null, not an object");
+    action("an action without an id", "[{}]", "actions[0].id: is missing");
+    action("a reply that is a number", R"([{"id": "a", "reply": 5}])",
+           "actions[0].reply: is a number, not a string");
+    action("a negative duration", R"([{"id": "a", "duration": -1}])",
+           "actions[0].duration: -1 is not in 0 to 3600000");
+    action("a duration beyond an hour", R"([{"id": "a", "duration": 3600001}])",
+           "actions[0].duration: 3600001 is not in 0 to 3600000");
+    action("a driven item that is not there", R"([{"id": "a", "drive": "b"}])",
+           "actions[0].drive: \"b\" is not a result with a single number");
+    row("a driven config",
+        R"({"configs": [{"id": "b", "type": "int32", "value": 0}], "results": [],
+            "actions": [{"id": "a", "drive": "b"}], "logs": [], "debugLogs": []})",
+        "actions[0].drive: \"b\" is not a result with a single number");
+    row("a driven text",
+        R"({"configs": [], "results": [{"id": "b", "type": "string", "value": ""}],
+            "actions": [{"id": "a", "drive": "b"}], "logs": [], "debugLogs": []})",
+        "actions[0].drive: \"b\" is not a result with a single number");
+    action("ends that are an object", R"([{"id": "a", "ends": {}}])",
+           "actions[0].ends: is an object, not an array");
+    action("an end that is text", R"([{"id": "a", "ends": ["SigInfo"]}])",
+           "actions[0].ends[0]: is a string, not an object");
+    action(
+        "an end with another signal",
+        R"([{"id": "a", "ends": [{"signal": "SigDBusServerClosing", "message": ""}]}])",
+        "actions[0].ends[0].signal: \"SigDBusServerClosing\" is not a signal that ends an action");
+    action("an end without a message", R"([{"id": "a", "ends": [{"signal": "SigInfo"}]}])",
+           "actions[0].ends[0].message: is missing");
+    action("an end with data that its signal has not",
+           R"([{"id": "a", "ends": [{"signal": "SigInfo", "message": "", "data": []}]}])",
+           "actions[0].ends[0].data: is not known");
+    action("an end without the type of its data",
+           R"([{"id": "a", "ends": [{"signal": "SigTestCompleteWithData", "message": ""}]}])",
+           "actions[0].ends[0].type: is missing");
+    action(
+        "an end with data of another type",
+        R"([{"id": "a", "ends": [{"signal": "SigTestCompleteWithData", "message": "", "type": "int32[]", "data": []}]}])",
+        "actions[0].ends[0].type: \"int32[]\" is neither double[] nor uint32[]");
+    action(
+        "an end with data out of range",
+        R"([{"id": "a", "ends": [{"signal": "SigTestCompleteWithData", "message": "", "type": "uint32[]", "data": [1, -1]}]}])",
+        "actions[0].ends[0].data[1]: -1 does not fit uint32");
+
+    row("a log that is a number", catalogWith("logs", "[5]"),
+        "logs[0]: is not a name without blanks and colons");
+    row("a log with a blank", catalogWith("logs", R"(["a b"])"),
+        "logs[0]: is not a name without blanks and colons");
+    row("a log named twice", catalogWith("logs", R"(["a", "a"])"),
+        "logs[1]: \"a\" is there already");
+    row("a debug log in lower case", catalogWith("debugLogs", R"(["LOG_data"])"),
+        "debugLogs[0]: is not LOG_ and a name in upper case");
+    row("a debug log without a name", catalogWith("debugLogs", R"(["LOG_"])"),
+        "debugLogs[0]: is not LOG_ and a name in upper case");
+    row("a debug log with a comma", catalogWith("debugLogs", R"(["LOG_A,B"])"),
+        "debugLogs[0]: is not LOG_ and a name in upper case");
+}
+
+void TestCatalog::whatIsWrongIsToldWithItsPlace()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, problem);
+    QCOMPARE(readCatalog(text).problem, problem);
+}
+
+void TestCatalog::anEmptyCatalogIsACatalog()
+{
+    const CatalogText read = readCatalog(emptyCatalog);
+    QCOMPARE(read.problem, QString());
+    QVERIFY(read.catalog.items.isEmpty());
+    QVERIFY(read.catalog.actions.isEmpty());
+}
+
+void TestCatalog::leftOutFieldsHaveDefaults()
+{
+    const CatalogText read = readCatalog(
+        R"({"configs": [{"id": "a", "type": "bool", "value": true}], "results": [],
+            "actions": [{"id": "b"}], "logs": [], "debugLogs": []})");
+    QCOMPARE(read.problem, QString());
+    QCOMPARE(read.catalog.items.at(0).status, 0);
+    const Action &action = read.catalog.actions.at(0);
+    QCOMPARE(action.reply, QStringLiteral("started"));
+    QCOMPARE(action.duration, 0);
+    QCOMPARE(action.drivenItem, -1);
+    QCOMPARE(action.ends.size(), 1);
+    QCOMPARE(action.ends.at(0).member, QStringLiteral("SigTestComplete"));
+    QCOMPARE(action.ends.at(0).message, QStringLiteral("b"));
+}
+
+void TestCatalog::everyFieldIsRead()
+{
+    const CatalogText read = readCatalog(
+        R"({"configs": [{"id": "a", "type": "string", "value": "x", "status": -3}],
+            "results": [{"id": "r", "type": "double", "value": 1}],
+            "actions": [{"id": "b", "reply": "r %1", "duration": 3600000, "drive": "r", "ends": []}],
+            "logs": ["config", "result"], "debugLogs": ["LOG_DATA"]})");
+    QCOMPARE(read.problem, QString());
+    const Item &item = read.catalog.items.at(0);
+    QCOMPARE(item.id, QStringLiteral("a"));
+    QCOMPARE(item.kind, ItemKind::Config);
+    QCOMPARE(item.type, ValueType::String);
+    QCOMPARE(item.value, QVariant(QStringLiteral("x")));
+    QCOMPARE(item.status, -3);
+    QCOMPARE(read.catalog.items.at(1).kind, ItemKind::Result);
+    const Action &action = read.catalog.actions.at(0);
+    QCOMPARE(action.reply, QStringLiteral("r %1"));
+    QCOMPARE(action.duration, 3600000);
+    QCOMPARE(action.drivenItem, 1);
+    QVERIFY(action.ends.isEmpty());
+    QCOMPARE(read.catalog.logs,
+             (QStringList { QStringLiteral("config"), QStringLiteral("result") }));
+    QCOMPARE(read.catalog.debugLogs, QStringList { QStringLiteral("LOG_DATA") });
+}
+
+void TestCatalog::theBuiltInCatalogCoversEveryType()
+{
+    const CatalogText read = readCatalog(builtInCatalog());
+    QCOMPARE(read.problem, QString());
+    QStringList types;
+    bool hasStatus = false;
+    for (const Item &item : read.catalog.items) {
+        if (item.kind == ItemKind::Config && !types.contains(typeName(item.type))) {
+            types.append(typeName(item.type));
+        }
+        hasStatus = hasStatus || item.status != 0;
+    }
+    types.sort();
+    QCOMPARE(
+        types.join(QLatin1Char(' ')),
+        QStringLiteral("bool double double[] int32 int32[] int64 int64[] string string[] uint32 "
+                       "uint32[] uint64 uint64[]"));
+    QVERIFY(hasStatus);
+}
+
+void TestCatalog::theBuiltInCatalogCanRaiseEverySignalOfAnAction()
+{
+    QSet<QString> members;
+    int driven = 0;
+    const CatalogText read = readCatalog(builtInCatalog());
+    for (const Action &action : read.catalog.actions) {
+        driven += action.drivenItem >= 0 ? 1 : 0;
+        for (const ActionEnd &end : action.ends) {
+            members.insert(end.member
+                           + QString::fromLatin1(end.data.isValid() ? end.data.typeName() : ""));
+        }
+    }
+    QCOMPARE(driven, 1);
+    for (const char *member :
+         { "SigAlarm", "SigError", "SigTestComplete", "SigTestCompleteWithDatastd::vector<double>",
+           "SigTestCompleteWithDatastd::vector<uint32_t>" }) {
+        QVERIFY2(members.contains(QString::fromLatin1(member)), member);
+    }
+}
+
+QTEST_GUILESS_MAIN(TestCatalog)
+#include "tst_catalog.moc"

@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: MIT
+// The program from outside: its options, its exit statuses and what it says, its end.
+#include "tests/sim/simrun.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <csignal>
+
+namespace
+{
+
+constexpr const char *help =
+    "Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]\n"
+    "\n"
+    "A stand-in for the application service that movra talks to. It owns a name on the\n"
+    "session bus, answers the interface \"varn.pim\" and prints \"ready\" once it does. It\n"
+    "ends on SIGINT or SIGTERM, after a SigDBusServerClosing.\n"
+    "\n"
+    "Options:\n"
+    "  --service NAME  the bus name to own (default com.varn.tul)\n"
+    "  --path PATH     the object path to answer at (default /)\n"
+    "  --catalog FILE  the items, actions and logs to offer, as JSON\n"
+    "                  (default: a built-in catalogue of every kind)\n"
+    "  --state DIR     where saved configurations and debug logs lie\n"
+    "                  (default $XDG_STATE_HOME/movra-sim,\n"
+    "                  else $HOME/.local/state/movra-sim)\n"
+    "  --help          print this text\n"
+    "  --version       print the version\n"
+    "\n"
+    "Exit status:\n"
+    "  0  told to end, or help or version printed\n"
+    "  1  wrong options or stray arguments\n"
+    "  2  the catalogue cannot be read or is malformed\n"
+    "  3  there is no session bus, or it went away\n"
+    "  4  the bus name is malformed, taken or not allowed\n"
+    "  5  the object path is malformed\n"
+    "  6  the directory named by --state cannot be used\n";
+
+/// A bus that ends when the test wants it to.
+class OwnBus
+{
+public:
+    bool start()
+    {
+        daemon.start(
+            text("dbus-daemon"),
+            { text("--nofork"), text("--print-address"), text("--config-file=" MOVRA_BUS_CONFIG) });
+        while (!daemon.canReadLine()) {
+            if (!daemon.waitForReadyRead()) {
+                return false;
+            }
+        }
+        address = QString::fromLatin1(daemon.readLine().trimmed());
+        return true;
+    }
+    ~OwnBus() { end(); }
+    void end()
+    {
+        daemon.terminate();
+        daemon.waitForFinished();
+    }
+    QString address;
+
+private:
+    QProcess daemon;
+};
+
+} // namespace
+
+class TestProgram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void helpAndVersionNeedNoBus_data();
+    void helpAndVersionNeedNoBus();
+    void whatIsWrongHasItsLineAndItsStatus_data();
+    void whatIsWrongHasItsLineAndItsStatus();
+    void aTakenNameIsLeftToItsOwner();
+    void withoutABusThereIsNothingToServe();
+    void aLostBusEndsTheProgram();
+    void aSignalEndsTheProgramInOrder_data();
+    void aSignalEndsTheProgramInOrder();
+    void nameAndPathAreThoseOfTheOptions();
+    void aRelativeStateDirectoryIsMadeAtTheStart();
+    void noFileIsMadeWithoutNeed();
+
+private:
+    /// Runs the program to its end: status, standard output, standard error.
+    QString run(const QStringList &arguments)
+    {
+        QProcess process;
+        process.setWorkingDirectory(directory->path());
+        process.setProcessEnvironment(environment);
+        process.start(text(MOVRA_SIM_PROGRAM), arguments);
+        if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit) {
+            process.kill();
+            process.waitForFinished();
+            return text("did not end well");
+        }
+        return text("%1|%2|%3")
+            .arg(process.exitCode())
+            .arg(QString::fromLocal8Bit(process.readAllStandardOutput()),
+                 QString::fromLocal8Bit(process.readAllStandardError()));
+    }
+
+    std::unique_ptr<QTemporaryDir> directory;
+    QProcessEnvironment environment;
+};
+
+void TestProgram::init()
+{
+    directory = std::make_unique<QTemporaryDir>();
+    environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(text("HOME"), directory->path());
+    environment.remove(text("XDG_STATE_HOME"));
+}
+
+void TestProgram::helpAndVersionNeedNoBus_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("expected");
+    const QString helpOutcome = text("0|") + text(help) + text("|");
+    QTest::newRow("help") << QStringList { text("--help") } << helpOutcome;
+    QTest::newRow("help wins over the version")
+        << QStringList { text("--version"), text("--help") } << helpOutcome;
+    QTest::newRow("help with other options")
+        << QStringList { text("--path"), text("x"), text("--help") } << helpOutcome;
+    QTest::newRow("version") << QStringList { text("--version") }
+                             << text("0|movra-sim " MOVRA_SIM_VERSION "\n|");
+}
+
+void TestProgram::helpAndVersionNeedNoBus()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, expected);
+    environment.insert(text("DBUS_SESSION_BUS_ADDRESS"), text("unix:path=/nonexistent"));
+    QCOMPARE(run(arguments), expected);
+}
+
+void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const QStringList &arguments, const char *expected) {
+        QTest::newRow(name) << arguments << text(expected);
+    };
+    row("an unknown option", { text("--verbose") }, "1||movra-sim: Unknown option 'verbose'.\n");
+    row("an option without its value", { text("--service") },
+        "1||movra-sim: Missing value after '--service'.\n");
+    row("a value for a switch", { text("--help=x") },
+        "1||movra-sim: Unexpected value after '--help'.\n");
+    row("a stray argument", { text("com.varn.tul"), text("/") },
+        "1||movra-sim: \"com.varn.tul\" is one argument too many.\n");
+    row("a catalogue without a name", { text("--catalog"), QString() },
+        "1||movra-sim: The name of the catalogue is empty.\n");
+    row("a catalogue that is not there", { text("--catalog"), text("none.json") },
+        "2||movra-sim: the catalogue \"none.json\" is no good: No such file or directory\n");
+    row("a catalogue that is a directory", { text("--catalog"), text(".") },
+        "2||movra-sim: the catalogue \".\" is no good: file to open is a directory\n");
+    row("a catalogue with a syntax error", { text("--catalog"), text("syntax.json") },
+        "2||movra-sim: the catalogue \"syntax.json\" is no good: line 2, column 2: object is "
+        "missing "
+        "after a comma\n");
+    row("a catalogue with a wrong value", { text("--catalog"), text("value.json") },
+        "2||movra-sim: the catalogue \"value.json\" is no good: configs[0].value: 300000000000 "
+        "does "
+        "not fit int32\n");
+    row("a catalogue without end", { text("--catalog"), text("/dev/zero") },
+        "2||movra-sim: the catalogue \"/dev/zero\" is no good: is larger than 16 MiB\n");
+    row("a name without a dot", { text("--service"), text("varn") },
+        "4||movra-sim: the bus name \"varn\" cannot be owned: Requested bus name \"varn\" is not "
+        "valid\n");
+    row("an empty name", { text("--service"), QString() },
+        "4||movra-sim: the bus name \"\" cannot be owned: Requested bus name \"\" is not valid\n");
+    row("a unique name", { text("--service"), text(":1.1") },
+        "4||movra-sim: the bus name \":1.1\" cannot be owned: Cannot acquire a service starting "
+        "with "
+        "':' such as \":1.1\"\n");
+    row("a path without a slash", { text("--path"), text("tul") },
+        "5||movra-sim: \"tul\" is not an object path\n");
+    row("a path with a slash at its end", { text("--path"), text("/tul/") },
+        "5||movra-sim: \"/tul/\" is not an object path\n");
+    row("a path with an empty part", { text("--path"), text("//tul") },
+        "5||movra-sim: \"//tul\" is not an object path\n");
+    row("a path with another character", { text("--path"), text("/t-l") },
+        "5||movra-sim: \"/t-l\" is not an object path\n");
+    row("a path with a line end", { text("--path"), text("/tul\n") },
+        "5||movra-sim: \"/tul \" is not an object path\n");
+    row("an empty path", { text("--path"), QString() },
+        "5||movra-sim: \"\" is not an object path\n");
+    row("a state directory that is a file", { text("--state"), text("/dev/null") },
+        "6||movra-sim: the state directory cannot be used: \"/dev/null\" is no directory and "
+        "cannot "
+        "be created\n");
+    row("a state directory below a file", { text("--state"), text("/dev/null/state") },
+        "6||movra-sim: the state directory cannot be used: \"/dev/null/state\" is no directory and "
+        "cannot be created\n");
+    row("a state directory without a name", { text("--state"), QString() },
+        "6||movra-sim: the state directory cannot be used: its name is empty\n");
+}
+
+void TestProgram::whatIsWrongHasItsLineAndItsStatus()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, expected);
+    const auto write = [this](const char *name, const QByteArray &contents) {
+        QFile file(directory->filePath(text(name)));
+        return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+    };
+    QVERIFY(write("syntax.json", "{\"configs\": [],\n}"));
+    QVERIFY(write("value.json",
+                  R"({"configs": [{"id": "a", "type": "int32", "value": 300000000000}]})"));
+    QCOMPARE(run(arguments), expected);
+}
+
+void TestProgram::aTakenNameIsLeftToItsOwner()
+{
+    QProcess first;
+    QVERIFY(startSimulator(first, {}));
+    QCOMPARE(run({}),
+             text("4||movra-sim: the bus name \"com.varn.tul\" cannot be owned: somebody else owns "
+                  "it\n"));
+    QCOMPARE(QDBusConnection::sessionBus().interface()->servicePid(text("com.varn.tul")).value(),
+             static_cast<uint>(first.processId()));
+    QVERIFY(endSimulator(first, SIGTERM));
+}
+
+void TestProgram::withoutABusThereIsNothingToServe()
+{
+    environment.insert(text("DBUS_SESSION_BUS_ADDRESS"), text("unix:path=/nonexistent"));
+    QCOMPARE(
+        run({}),
+        text("3||movra-sim: there is no session bus: Failed to connect to socket /nonexistent: "
+             "No such file or directory\n"));
+}
+
+void TestProgram::aLostBusEndsTheProgram()
+{
+    OwnBus bus;
+    QVERIFY(bus.start());
+    environment.insert(text("DBUS_SESSION_BUS_ADDRESS"), bus.address);
+    QProcess simulator;
+    simulator.setProcessEnvironment(environment);
+    QVERIFY(startSimulator(simulator, {}));
+    bus.end();
+    QVERIFY(simulator.waitForFinished());
+    QCOMPARE(simulator.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(simulator.exitCode(), 3);
+    QCOMPARE(simulator.readAllStandardError(),
+             QByteArray("movra-sim: the session bus went away\n"));
+}
+
+void TestProgram::aSignalEndsTheProgramInOrder_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void TestProgram::aSignalEndsTheProgramInOrder()
+{
+    QFETCH(int, number);
+    QProcess simulator;
+    QVERIFY(startSimulator(simulator, {}));
+    KorAppInterface service(text("com.varn.tul"), text("/"), QDBusConnection::sessionBus(),
+                            nullptr);
+    QStringList events;
+    connect(&service, &KorAppInterface::SigDBusServerClosing, this,
+            [&events](const QString &message) { events.append(message); });
+    QDBusServiceWatcher watcher(text("com.varn.tul"), QDBusConnection::sessionBus(),
+                                QDBusServiceWatcher::WatchForUnregistration);
+    connect(&watcher, &QDBusServiceWatcher::serviceUnregistered, this,
+            [&events] { events.append(text("the name is free")); });
+    QCOMPARE(answerTo(service.DBusServerStatus()), text("i 0"));
+    QVERIFY(endSimulator(simulator, number));
+    QTRY_COMPARE(events, (QStringList { text("movra-sim is closing"), text("the name is free") }));
+    QCOMPARE(simulator.readAllStandardOutput(), QByteArray());
+    QCOMPARE(simulator.readAllStandardError(), QByteArray());
+}
+
+void TestProgram::nameAndPathAreThoseOfTheOptions()
+{
+    QProcess simulator;
+    QVERIFY(startSimulator(
+        simulator, { text("--service=org.example.other"), text("--path"), text("/deep/down") }));
+    KorAppInterface service(text("org.example.other"), text("/deep/down"),
+                            QDBusConnection::sessionBus(), nullptr);
+    QSignalSpy infos(&service, &KorAppInterface::SigInfo);
+    QCOMPARE(answerTo(service.DoAction(text(":action:data:ftp:ping:"))), QString());
+    QTRY_COMPARE(infos.count(), 1);
+    KorAppInterface elsewhere(text("org.example.other"), text("/"), QDBusConnection::sessionBus(),
+                              nullptr);
+    QCOMPARE(answerTo(elsewhere.DBusServerStatus()),
+             text("org.freedesktop.DBus.Error.UnknownInterface: No such interface 'varn.pim' at "
+                  "object path '/'"));
+    QVERIFY(endSimulator(simulator, SIGTERM));
+}
+
+void TestProgram::aRelativeStateDirectoryIsMadeAtTheStart()
+{
+    QProcess simulator;
+    simulator.setWorkingDirectory(directory->path());
+    QVERIFY(startSimulator(simulator, { text("--state"), text("a/b") }));
+    QVERIFY(QFileInfo(directory->filePath(text("a/b"))).isDir());
+    KorAppInterface service(text("com.varn.tul"), text("/"), QDBusConnection::sessionBus(),
+                            nullptr);
+    QSignalSpy infos(&service, &KorAppInterface::SigInfo);
+    QCOMPARE(answerTo(service.SaveConfig(text("night"))), text("b true"));
+    QTRY_COMPARE(infos.count(), 1);
+    QCOMPARE(infos.at(0).at(0).toString(),
+             text("configuration saved to ") + directory->filePath(text("a/b/night")));
+    QVERIFY(endSimulator(simulator, SIGTERM));
+}
+
+void TestProgram::noFileIsMadeWithoutNeed()
+{
+    QProcess simulator;
+    simulator.setProcessEnvironment(environment);
+    QVERIFY(startSimulator(simulator, {}));
+    QVERIFY(endSimulator(simulator, SIGTERM));
+    QVERIFY(directory->isValid());
+    QCOMPARE(
+        QDir(directory->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+        QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestProgram)
+#include "tst_program.moc"

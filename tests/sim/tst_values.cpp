@@ -1,0 +1,389 @@
+// SPDX-License-Identifier: MIT
+// The values of items: every way in and out, at the edges of every type.
+#include "bus/types.h"
+#include "sim/value.h"
+
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QtTest>
+
+#include <cstdint>
+#include <vector>
+
+namespace
+{
+
+QJsonValue jsonOf(const QString &text)
+{
+    return QJsonDocument::fromJson("[" + text.toUtf8() + "]").array().at(0);
+}
+
+/// The value's text, or the problem behind "!" with the element that it is about.
+QString outcome(ValueType type, const Conversion &conversion)
+{
+    if (conversion.problem.isEmpty()) {
+        return valueToText(type, conversion.value);
+    }
+    const QString at =
+        conversion.element < 0 ? QString() : QStringLiteral("[%1] ").arg(conversion.element);
+    return QStringLiteral("! ") + at + conversion.problem;
+}
+
+ValueType typeOf(const QString &name)
+{
+    return typeNamed(name).value();
+}
+
+void addRow(const char *name, const char *type, const QString &given, const QString &expected)
+{
+    QTest::newRow(name) << QString::fromLatin1(type) << given << expected;
+}
+
+} // namespace
+
+class TestValues : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void everyTypeHasANameAndASignature_data();
+    void everyTypeHasANameAndASignature();
+    void unknownTypeNamesAreNotTypes();
+    void jsonBecomesAValue_data();
+    void jsonBecomesAValue();
+    void textBecomesAValue_data();
+    void textBecomesAValue();
+    void busValuesMustHaveTheVeryType_data();
+    void busValuesMustHaveTheVeryType();
+    void limitsHoldForWhatComesFromTheBus();
+    void jsonGivesBackTheSameValue_data();
+    void jsonGivesBackTheSameValue();
+    void equalityKnowsEveryDifference();
+    void sizesCountEveryElement();
+};
+
+void TestValues::initTestCase()
+{
+    registerBusTypes();
+}
+
+void TestValues::everyTypeHasANameAndASignature_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("signature");
+    QTest::addColumn<bool>("array");
+    QTest::addColumn<bool>("number");
+    const auto row = [](const char *name, const char *signature, bool array, bool number) {
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(signature) << array
+                            << number;
+    };
+    row("string", "s", false, false);
+    row("bool", "b", false, false);
+    row("int32", "i", false, true);
+    row("uint32", "u", false, true);
+    row("int64", "x", false, true);
+    row("uint64", "t", false, true);
+    row("double", "d", false, true);
+    row("string[]", "as", true, false);
+    row("int32[]", "ai", true, false);
+    row("uint32[]", "au", true, false);
+    row("int64[]", "ax", true, false);
+    row("uint64[]", "at", true, false);
+    row("double[]", "ad", true, false);
+}
+
+void TestValues::everyTypeHasANameAndASignature()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, signature);
+    QFETCH(bool, array);
+    QFETCH(bool, number);
+    const auto type = typeNamed(name);
+    QVERIFY(type);
+    QCOMPARE(typeName(*type), name);
+    QCOMPARE(busSignature(*type), signature);
+    QCOMPARE(isArray(*type), array);
+    QCOMPARE(isNumber(*type), number);
+}
+
+void TestValues::unknownTypeNamesAreNotTypes()
+{
+    for (const char *name : { "", "Int32", "int", "float", "int32[", "int32[][]", "bool[]" }) {
+        QVERIFY2(!typeNamed(QString::fromLatin1(name)), name);
+    }
+}
+
+void TestValues::jsonBecomesAValue_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const char *type, const char *json,
+                        const char *expected) {
+        addRow(name, type, QString::fromUtf8(json), QString::fromUtf8(expected));
+    };
+    row("a string", "string", "\"pordo\"", "pordo");
+    row("an empty string", "string", "\"\"", "");
+    row("a string beyond ASCII", "string", "\"\xc3\xa4\xe2\x82\xac\"", "\xc3\xa4\xe2\x82\xac");
+    row("a string may not hold U+0000", "string", "\"a\\u0000b\"",
+        "! the text holds the character U+0000, which the bus cannot carry");
+    row("a number is no string", "string", "5", "! is a number, not a string");
+    row("null is no string", "string", "null", "! is null, not a string");
+    row("an object is no string", "string", "{}", "! is an object, not a string");
+    row("true", "bool", "true", "true");
+    row("false", "bool", "false", "false");
+    row("a number is no truth value", "bool", "1", "! is a number, not true or false");
+    row("the text true is no truth value", "bool", "\"true\"", "! is a string, not true or false");
+    row("the least int32", "int32", "-2147483648", "-2147483648");
+    row("the greatest int32", "int32", "2147483647", "2147483647");
+    row("one below int32", "int32", "-2147483649", "! -2147483649 does not fit int32");
+    row("one above int32", "int32", "2147483648", "! 2147483648 does not fit int32");
+    row("an int32 as text", "int32", "\"-7\"", "-7");
+    row("an int32 as text out of range", "int32", "\"2147483648\"",
+        "! \"2147483648\" does not fit int32");
+    row("a whole number written with a point", "int32", "21.0", "21");
+    row("a whole number written with an exponent", "int32", "2e3", "2000");
+    row("a fraction is no int32", "int32", "1.5", "! 1.5 is not a whole number");
+    row("an empty text is no int32", "int32", "\"\"", "! \"\" is not a whole number");
+    row("a truth value is no int32", "int32", "true", "! is a truth value, not a number");
+    row("an array is no int32", "int32", "[1]", "! is an array, not a number");
+    row("the least uint32", "uint32", "0", "0");
+    row("the greatest uint32", "uint32", "4294967295", "4294967295");
+    row("one below uint32", "uint32", "-1", "! -1 does not fit uint32");
+    row("one above uint32", "uint32", "4294967296", "! 4294967296 does not fit uint32");
+    row("the least int64 as text", "int64", "\"-9223372036854775808\"", "-9223372036854775808");
+    row("the greatest int64 as text", "int64", "\"9223372036854775807\"", "9223372036854775807");
+    row("one below int64", "int64", "\"-9223372036854775809\"",
+        "! \"-9223372036854775809\" does not fit int64");
+    row("one above int64", "int64", "\"9223372036854775808\"",
+        "! \"9223372036854775808\" does not fit int64");
+    row("an odd int64 beyond 53 bits", "int64", "\"9007199254740993\"", "9007199254740993");
+    row("the least uint64", "uint64", "0", "0");
+    row("the greatest uint64 as text", "uint64", "\"18446744073709551615\"",
+        "18446744073709551615");
+    row("one below uint64", "uint64", "-1", "! -1 does not fit uint64");
+    row("one above uint64", "uint64", "\"18446744073709551616\"",
+        "! \"18446744073709551616\" does not fit uint64");
+    row("a number too large to be exact", "uint64", "18446744073709551615",
+        "! 18446744073709552000 is not exact as a JSON number; write it between quotes");
+    row("a double", "double", "1.1", "1.1");
+    row("a whole double", "double", "5", "5");
+    row("the greatest double", "double", "1.7976931348623157e308", "1.7976931348623157e+308");
+    row("the least positive double", "double", "5e-324", "5e-324");
+    row("infinity as text", "double", "\"inf\"", "inf");
+    row("minus infinity as text", "double", "\"-inf\"", "-inf");
+    row("nan as text", "double", "\"nan\"", "nan");
+    row("a double as text out of range", "double", "\"1e309\"", "! \"1e309\" does not fit double");
+    row("a word is no double", "double", "\"ten\"", "! \"ten\" is not a number");
+    row("null is no double", "double", "null", "! is null, not a number");
+    row("strings", "string[]", "[\"wifi\", \"\", \"a b\"]", "wifi  a b");
+    row("no strings", "string[]", "[]", "");
+    row("a string is no array", "string[]", "\"wifi\"", "! is a string, not an array");
+    row("a number among strings", "string[]", "[\"a\", 1]", "! [1] is a number, not a string");
+    row("int32 at both ends", "int32[]", "[-2147483648, 2147483647]", "-2147483648 2147483647");
+    row("an array element out of range", "int32[]", "[1, 2, 3000000000]",
+        "! [2] 3000000000 does not fit int32");
+    row("uint32 at both ends", "uint32[]", "[0, 4294967295]", "0 4294967295");
+    row("a negative element", "uint32[]", "[-1]", "! [0] -1 does not fit uint32");
+    row("int64 at both ends", "int64[]", "[\"-9223372036854775808\", \"9223372036854775807\"]",
+        "-9223372036854775808 9223372036854775807");
+    row("an int64 element that is a word", "int64[]", "[\"x\"]",
+        "! [0] \"x\" is not a whole number");
+    row("uint64 at both ends", "uint64[]", "[0, \"18446744073709551615\"]",
+        "0 18446744073709551615");
+    row("an uint64 element out of range", "uint64[]", "[\"18446744073709551616\"]",
+        "! [0] \"18446744073709551616\" does not fit uint64");
+    row("doubles", "double[]", "[1.1, 1e300, \"nan\", \"-inf\"]", "1.1 1e+300 nan -inf");
+    row("no doubles", "double[]", "[]", "");
+    row("an object is no array", "double[]", "{}", "! is an object, not an array");
+    row("an array among doubles", "double[]", "[1, [2]]", "! [1] is an array, not a number");
+}
+
+void TestValues::jsonBecomesAValue()
+{
+    QFETCH(QString, type);
+    QFETCH(QString, given);
+    QFETCH(QString, expected);
+    QCOMPARE(outcome(typeOf(type), valueFromJson(typeOf(type), jsonOf(given))), expected);
+}
+
+void TestValues::textBecomesAValue_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const char *type, const char *text,
+                        const char *expected) {
+        addRow(name, type, QString::fromUtf8(text), QString::fromUtf8(expected));
+    };
+    row("text stays text", "string", " 007 ", " 007 ");
+    row("the word true", "bool", "true", "true");
+    row("the word false", "bool", "false", "false");
+    row("one is true", "bool", "1", "true");
+    row("zero is false", "bool", "0", "false");
+    row("another case is no truth value", "bool", "True", "! \"True\" is not true, false, 1 or 0");
+    row("yes is no truth value", "bool", "yes", "! \"yes\" is not true, false, 1 or 0");
+    row("nothing is no truth value", "bool", "", "! \"\" is not true, false, 1 or 0");
+    row("leading zeros are decimal", "int32", "-0010", "-10");
+    row("a plus sign is refused", "int32", "+5", "! \"+5\" is not a whole number");
+    row("blanks are refused", "int32", " 5", "! \" 5\" is not a whole number");
+    row("a line end is refused", "int32", "5\n", "! \"5 \" is not a whole number");
+    row("a fraction is refused", "int32", "5.0", "! \"5.0\" is not a whole number");
+    row("an exponent is refused", "int32", "5e0", "! \"5e0\" is not a whole number");
+    row("hexadecimal is refused", "uint32", "0x10", "! \"0x10\" is not a whole number");
+    row("digits of another script are refused", "int32", "\xd9\xa5",
+        "! \"\xd9\xa5\" is not a whole number");
+    row("more digits than any type", "int64", "99999999999999999999999",
+        "! \"99999999999999999999999\" does not fit int64");
+    row("minus nought is nought", "uint64", "-0", "0");
+    row("a double without a whole part", "double", ".5", "0.5");
+    row("a double without a fraction", "double", "5.", "5");
+    row("an exponent with a sign", "double", "1.5E+3", "1500");
+    row("a comma is no decimal point", "double", "1,5", "! \"1,5\" is not a number");
+    row("a group separator is refused", "double", "1,000", "! \"1,000\" is not a number");
+    row("infinity spelt out is refused", "double", "infinity", "! \"infinity\" is not a number");
+    row("plus infinity is refused", "double", "+inf", "! \"+inf\" is not a number");
+    row("a double below the least one", "double", "1e-400", "! \"1e-400\" does not fit double");
+    row("a point alone is no number", "double", ".", "! \".\" is not a number");
+    row("no text is an array", "int32[]", "1 2", "! is an array, not a single value");
+}
+
+void TestValues::textBecomesAValue()
+{
+    QFETCH(QString, type);
+    QFETCH(QString, given);
+    QFETCH(QString, expected);
+    QCOMPARE(outcome(typeOf(type), valueFromText(typeOf(type), given)), expected);
+}
+
+void TestValues::busValuesMustHaveTheVeryType_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QVariant>("given");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const char *type, const QVariant &given,
+                        const char *expected) {
+        QTest::newRow(name) << QString::fromLatin1(type) << given << QString::fromLatin1(expected);
+    };
+    row("s for a string", "string", QStringLiteral("a"), "a");
+    row("b for a bool", "bool", true, "true");
+    row("i for an int32", "int32", -5, "-5");
+    row("u for an uint32", "uint32", 5U, "5");
+    row("x for an int64", "int64", QVariant::fromValue(qint64 { -5 }), "-5");
+    row("t for an uint64", "uint64", QVariant::fromValue(quint64 { 5 }), "5");
+    row("d for a double", "double", 0.1, "0.1");
+    row("as for strings", "string[]", QStringList { QStringLiteral("a"), QStringLiteral("b") },
+        "a b");
+    row("ai for int32", "int32[]", QVariant::fromValue(std::vector<int32_t> { -1, 2 }), "-1 2");
+    row("au for uint32", "uint32[]", QVariant::fromValue(std::vector<uint32_t> { 1, 2 }), "1 2");
+    row("ax for int64", "int64[]", QVariant::fromValue(std::vector<qint64> { -1, 2 }), "-1 2");
+    row("at for uint64", "uint64[]", QVariant::fromValue(std::vector<quint64> { 1, 2 }), "1 2");
+    row("ad for doubles", "double[]", QVariant::fromValue(std::vector<double> { 1.5, 2 }), "1.5 2");
+    row("i for a string", "string", 5, "! a value of D-Bus type \"i\" is not of type \"s\"");
+    row("u for an int32", "int32", 5U, "! a value of D-Bus type \"u\" is not of type \"i\"");
+    row("i for a double", "double", 5, "! a value of D-Bus type \"i\" is not of type \"d\"");
+    row("d for an int32", "int32", 5.0, "! a value of D-Bus type \"d\" is not of type \"i\"");
+    row("y for an int32", "int32", QVariant::fromValue(uchar { 5 }),
+        "! a value of D-Bus type \"y\" is not of type \"i\"");
+    row("o for a string", "string", QVariant::fromValue(QDBusObjectPath(QStringLiteral("/a"))),
+        "! a value of D-Bus type \"o\" is not of type \"s\"");
+    row("v for a string", "string",
+        QVariant::fromValue(QDBusVariant(QVariant(QStringLiteral("a")))),
+        "! a value of D-Bus type \"v\" is not of type \"s\"");
+    row("ai for uint32", "uint32[]", QVariant::fromValue(std::vector<int32_t> { 1 }),
+        "! a value of D-Bus type \"ai\" is not of type \"au\"");
+    row("as for doubles", "double[]", QStringList {},
+        "! a value of D-Bus type \"as\" is not of type \"ad\"");
+    row("nothing for a string", "string", QVariant(),
+        "! a value of D-Bus type \"\" is not of type \"s\"");
+}
+
+void TestValues::busValuesMustHaveTheVeryType()
+{
+    QFETCH(QString, type);
+    QFETCH(QVariant, given);
+    QFETCH(QString, expected);
+    QCOMPARE(outcome(typeOf(type), valueFromBus(typeOf(type), given)), expected);
+}
+
+void TestValues::limitsHoldForWhatComesFromTheBus()
+{
+    const QString longest(1048576, QLatin1Char('a'));
+    QVERIFY(valueFromBus(ValueType::String, longest).problem.isEmpty());
+    QCOMPARE(valueFromBus(ValueType::String, longest + QLatin1Char('a')).problem,
+             QStringLiteral("the text is longer than 1048576 characters"));
+    QCOMPARE(
+        valueFromBus(ValueType::StringArray, QStringList { longest, QStringLiteral("a") }).problem,
+        QStringLiteral("the texts are longer than 1048576 characters"));
+    std::vector<double> most(65536);
+    QVERIFY(valueFromBus(ValueType::DoubleArray, QVariant::fromValue(most)).problem.isEmpty());
+    most.push_back(0);
+    QCOMPARE(valueFromBus(ValueType::DoubleArray, QVariant::fromValue(most)).problem,
+             QStringLiteral("there are more than 65536 elements"));
+}
+
+void TestValues::jsonGivesBackTheSameValue_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("json");
+    const auto row = [](const char *name, const char *type, const char *json) {
+        QTest::newRow(name) << QString::fromLatin1(type) << QString::fromUtf8(json);
+    };
+    row("a string", "string", "\"\xc3\xa4\\n\\\"\"");
+    row("a bool", "bool", "true");
+    row("an int32", "int32", "-2147483648");
+    row("an uint32", "uint32", "4294967295");
+    row("an int64 stands as text", "int64", "\"-9223372036854775808\"");
+    row("an uint64 stands as text", "uint64", "\"18446744073709551615\"");
+    row("a double", "double", "0.1");
+    row("infinity stands as text", "double", "\"-inf\"");
+    row("nan stands as text", "double", "\"nan\"");
+    row("strings", "string[]", "[\"a b\",\"\"]");
+    row("int32s", "int32[]", "[-1,0]");
+    row("uint32s", "uint32[]", "[4294967295]");
+    row("int64s", "int64[]", "[\"9007199254740993\"]");
+    row("uint64s", "uint64[]", "[\"18446744073709551615\"]");
+    row("doubles", "double[]", "[1.1,\"inf\"]");
+    row("an empty array", "double[]", "[]");
+}
+
+void TestValues::jsonGivesBackTheSameValue()
+{
+    QFETCH(QString, type);
+    QFETCH(QString, json);
+    const Conversion conversion = valueFromJson(typeOf(type), jsonOf(json));
+    QCOMPARE(conversion.problem, QString());
+    QCOMPARE(valueToJson(typeOf(type), conversion.value), jsonOf(json));
+}
+
+void TestValues::equalityKnowsEveryDifference()
+{
+    const auto strings = [](const char *text) {
+        return QString::fromLatin1(text).split(QLatin1Char(','));
+    };
+    QVERIFY(sameValue(ValueType::StringArray, strings("a,b"), strings("a,b")));
+    QVERIFY(!sameValue(ValueType::StringArray, strings("a b"), strings("a,b")));
+    QVERIFY(sameValue(ValueType::Double, qQNaN(), qQNaN()));
+    QVERIFY(!sameValue(ValueType::Int64, QVariant::fromValue(qint64 { 9007199254740992 }),
+                       QVariant::fromValue(qint64 { 9007199254740993 })));
+    QVERIFY(sameValue(ValueType::DoubleArray, QVariant::fromValue(std::vector<double> { 1, 2 }),
+                      QVariant::fromValue(std::vector<double> { 1, 2 })));
+    QVERIFY(!sameValue(ValueType::DoubleArray, QVariant::fromValue(std::vector<double> { 1, 2 }),
+                       QVariant::fromValue(std::vector<double> { 1 })));
+}
+
+void TestValues::sizesCountEveryElement()
+{
+    QCOMPARE(busSize(ValueType::Int32, 5), qint64 { 8 });
+    QCOMPARE(busSize(ValueType::String, QStringLiteral("abc")), qint64 { 17 });
+    QCOMPARE(busSize(ValueType::StringArray, QStringList { QStringLiteral("a"), QString() }),
+             qint64 { 27 });
+    QCOMPARE(busSize(ValueType::DoubleArray, QVariant::fromValue(std::vector<double>(10))),
+             qint64 { 88 });
+}
+
+QTEST_GUILESS_MAIN(TestValues)
+#include "tst_values.moc"
