@@ -13,10 +13,15 @@ struct Command {
 };
 
 /// Searched from the top; a word that is not here is an unknown word.
-constexpr std::array<Command, 6> commandTable { {
+constexpr std::array<Command, 11> commandTable { {
+    { "DBG", &Movra::dbgCommand },
+    { "SIG", &Movra::sigCommand },
+    { "NOTIFY", &Movra::notifyCommand },
     { "SET", &Movra::setCommand },
     { "SETARRAY", &Movra::setArrayCommand },
     { "GET", &Movra::getCommand },
+    { "LIST", &Movra::listCommand },
+    { "FILE", &Movra::fileCommand },
     { "ACTION", &Movra::actionCommand },
     { "SERVERSTAT", &Movra::serverStatCommand },
     { "SERVERCMD", &Movra::serverCmdCommand },

@@ -1,11 +1,32 @@
 // SPDX-License-Identifier: MIT
 // DBG: forwards debug-log commands to the service and asks for its debug-log ids.
+#include "app/commandline.h"
 #include "app/movra.h"
 #include "bus/proxies.h"
 
 #include <QDBusReply>
 
 #include <cstdio>
+
+int Movra::dbgCommand(char **argv)
+{
+    if (argv[FirstArgument] == nullptr) {
+        return ArgumentMissing;
+    }
+    const std::string word = argv[FirstArgument];
+    if (word == "SAVE_STOP") {
+        // A value, if one was typed, is dropped.
+        generateDbgLogCmd(word, {});
+    } else if (word == "GET_IDS") {
+        callDbgLogGetIds();
+    } else if (argv[SecondArgument] == nullptr) {
+        return NotSupported;
+    } else {
+        // Whatever the word is: the service decides what it accepts.
+        generateDbgLogCmd(word, argv[SecondArgument]);
+    }
+    return Success;
+}
 
 void Movra::generateDbgLogCmd(std::string cmd, std::string value)
 {

@@ -34,9 +34,14 @@ public:
     bool connectToService(const std::string &service, const std::string &path);
 
     // Command handlers: each takes the whole argument vector and returns the exit status.
+    int dbgCommand(char **argv);
+    int sigCommand(char **argv);
+    int notifyCommand(char **argv);
     int setCommand(char **argv);
     int setArrayCommand(char **argv);
     int getCommand(char **argv);
+    int listCommand(char **argv);
+    int fileCommand(char **argv);
     int actionCommand(char **argv);
     int serverStatCommand(char **argv);
     int serverCmdCommand(char **argv);
@@ -87,7 +92,7 @@ private:
     /// error is left alone on purpose, so the text is empty or stale where the proxy itself has no
     /// error.
     QByteArray recordLastError();
-    /// Records the last error and prints it in the line that ACTION, SERVERSTAT and SERVERCMD
+    /// Records the last error and prints it in the line that FILE, ACTION, SERVERSTAT and SERVERCMD
     /// share.
     void reportFailedReply();
 
@@ -98,6 +103,12 @@ private:
     void printValue(const QString &id, const QVariant &value);
     /// Records the last error and prints it in GET's own line.
     void reportFailedGet();
+
+    /// NOTIFY: runs the action word with the slots of the group that was typed.
+    int notifyItems(char **argv, void (Movra::*start)(), void (Movra::*stop)(),
+                    void (Movra::*clear)());
+    /// NOTIFY: runs the action word on a log; no command leads here.
+    int notifyLog(char **argv);
 
     /// SET and SETARRAY: sends the value for the id as it was typed, and waits for nothing.
     void sendValue(const char *id, const QVariant &value);

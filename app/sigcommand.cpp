@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SIG: the monitor. Each slot prints what one signal of the service carried.
+#include "app/commandline.h"
 #include "app/movra.h"
+#include "bus/proxies.h"
 
 #include <cstdio>
 #include <iostream>
@@ -21,6 +23,28 @@ void printTestData(const char *elementName, const QString &msg, const std::vecto
 }
 
 } // namespace
+
+int Movra::sigCommand(char ** /*argv*/)
+{
+    // By signature text, and nobody asks whether a connection was made: the third never is, as the
+    // service announces no changed logs. Qt says so on standard error.
+    connect(iface, SIGNAL(SigAlarm(QString)), this, SLOT(sigAlarmSlot(QString)));
+    connect(iface, SIGNAL(SigDBusServerClosing(QString)), this,
+            SLOT(sigDBusServerClosingSlot(QString)));
+    connect(iface, SIGNAL(SigLogNotification(QStringList)), this,
+            SLOT(sigLogChangedNotificationSlot(QStringList)));
+    connect(iface, SIGNAL(SigError(QString)), this, SLOT(sigErrorSlot(QString)));
+    connect(iface, SIGNAL(SigInfo(QString)), this, SLOT(sigInfoSlot(QString)));
+    connect(iface, SIGNAL(SigTestComplete(QString)), this, SLOT(sigTestCompleteSlot(QString)));
+    connect(iface, SIGNAL(SigUpdate(QString)), this, SLOT(sigUpdateSlot(QString)));
+    // clang-format off
+    connect(iface, SIGNAL(SigTestCompleteWithData(QString, std::vector<double>)), this,
+            SLOT(sigTestCompleteWithDataSlot(QString, std::vector<double>)));
+    connect(iface, SIGNAL(SigTestCompleteWithData(QString, std::vector<uint32_t>)), this,
+            SLOT(sigTestCompleteWithDataSlot(QString, std::vector<uint32_t>)));
+    // clang-format on
+    return Success;
+}
 
 void Movra::sigAlarmSlot(QString msg)
 {

@@ -40,14 +40,7 @@ const char *const unsignedSignal = SIGNAL(SigTestCompleteWithData(QString, std::
 
 QByteArrayList ownRules(const FakeService &service)
 {
-    QByteArrayList rules;
-    for (const QByteArray &rule :
-         service.matchRules(QDBusConnection::sessionBus().baseService().toLatin1())) {
-        if (rule.contains("varn.pim")) {
-            rules.append(rule);
-        }
-    }
-    return rules;
+    return service.matchRules("com.varn.tul");
 }
 
 /// Whether the bus knows that this process wants the signal; Qt D-Bus tells it from its own thread.
@@ -181,7 +174,6 @@ void tst_Signals::matchRulesLastAsLongAsConnections()
         QVERIFY2(rule.contains("interface='varn.pim'"), rule.constData());
         QVERIFY2(rule.contains("member='SigAlarm'"), rule.constData());
         QVERIFY2(rule.contains("path='/'"), rule.constData());
-        QVERIFY2(rule.contains("sender='com.varn.tul'"), rule.constData());
     }
     QTRY_COMPARE(ownRules(*service), QByteArrayList());
 }

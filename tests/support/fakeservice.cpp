@@ -229,7 +229,7 @@ QByteArrayList FakeService::waitForCalls(int count)
 }
 
 void FakeService::emitSignal(const QByteArray &member, const QByteArray &body,
-                             const QByteArray &path, const QByteArray &interface)
+                             const QByteArray &path, const QByteArray &interface, After after)
 {
     GError *error = nullptr;
     const Value arguments(parse(body));
@@ -239,20 +239,30 @@ void FakeService::emitSignal(const QByteArray &member, const QByteArray &body,
         == FALSE) {
         fail(member.constData(), error);
     }
+    if (after == After::MoreFollows) {
+        return;
+    }
     // The bus handles what one connection sends in order: its answer means that it has the signal.
     (void)d->callBus("org.freedesktop.DBus", "GetId", nullptr);
 }
 
-QByteArrayList FakeService::matchRules(const QByteArray &connection) const
+QByteArrayList FakeService::matchRules(const QByteArray &service) const
 {
     const Value reply = d->callBus("org.freedesktop.DBus.Debug.Stats", "GetAllMatchRules", nullptr);
     const Value all(g_variant_get_child_value(reply.get(), 0));
-    const Value own(
-        g_variant_lookup_value(all.get(), connection.constData(), G_VARIANT_TYPE_STRING_ARRAY));
     QByteArrayList rules;
-    for (gsize i = 0; own && i < g_variant_n_children(own.get()); ++i) {
-        const Value rule(g_variant_get_child_value(own.get(), i));
-        rules.append(g_variant_get_string(rule.get(), nullptr));
+    GVariantIter connections;
+    g_variant_iter_init(&connections, all.get());
+    GVariant *ofConnection = nullptr;
+    while (g_variant_iter_loop(&connections, "{s@as}", nullptr, &ofConnection) != FALSE) {
+        GVariantIter each;
+        g_variant_iter_init(&each, ofConnection);
+        const char *rule = nullptr;
+        while (g_variant_iter_loop(&each, "&s", &rule) != FALSE) {
+            if (std::strstr(rule, ("sender='" + service + '\'').constData()) != nullptr) {
+                rules.append(rule);
+            }
+        }
     }
     return rules;
 }

@@ -35,12 +35,14 @@ public:
     /// Waits for at least this many calls, 10 s at most, and takes them.
     QByteArrayList waitForCalls(int count);
 
-    /// Broadcasts a signal with a body in GVariant text and waits until the bus has it.
+    enum class After { Wait, MoreFollows };
+    /// Broadcasts a signal with a body in GVariant text, and waits until the bus has it unless more
+    /// is to follow.
     void emitSignal(const QByteArray &member, const QByteArray &body, const QByteArray &path = "/",
-                    const QByteArray &interface = "varn.pim");
+                    const QByteArray &interface = "varn.pim", After after = After::Wait);
 
-    /// The match rules that a connection (by unique name) holds at the bus.
-    QByteArrayList matchRules(const QByteArray &connection) const;
+    /// The match rules that anybody holds at the bus for signals of a service (by its name).
+    QByteArrayList matchRules(const QByteArray &service) const;
 
 private:
     struct Private;

@@ -67,10 +67,18 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, outEnds[1], STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errEnds[1], STDERR_FILENO);
+    // The test's own libraries ignore SIGPIPE; the program must not inherit that.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t all;
+    sigfillset(&all);
+    posix_spawnattr_setsigdefault(&attributes, &all);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     started = Clock::now();
-    const int failure = posix_spawn(&pid, file.constData(), &actions, nullptr,
+    const int failure = posix_spawn(&pid, file.constData(), &actions, &attributes,
                                     vectorOf(words).data(), vectorOf(variables).data());
     posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
     close(outEnds[1]);
     close(errEnds[1]);
     if (failure != 0) {
@@ -84,8 +92,11 @@ Program::~Program()
         kill(pid, SIGKILL);
         waitpid(pid, nullptr, 0);
     }
-    close(outPipe);
-    close(errPipe);
+    for (const int pipe : { outPipe, errPipe }) {
+        if (pipe >= 0) {
+            close(pipe);
+        }
+    }
 }
 
 bool Program::readSome(Clock::time_point deadline)
@@ -104,6 +115,17 @@ bool Program::readSome(Clock::time_point deadline)
         drain(errPipe, err);
     }
     return true;
+}
+
+void Program::send(int signal)
+{
+    kill(pid, signal);
+}
+
+void Program::leaveOutput()
+{
+    close(outPipe);
+    outPipe = -1;
 }
 
 bool Program::waitForLines(int count)

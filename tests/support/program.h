@@ -24,6 +24,10 @@ public:
 
     /// Reads until standard output holds this many lines; false if it ends or 30 s pass before.
     bool waitForLines(int count);
+    /// Sends the program a signal.
+    void send(int signal);
+    /// Leaves standard output unread from now on, as a reader that went away.
+    void leaveOutput();
     /// Reads until the program has ended; false, and the program is killed, if 30 s pass before.
     bool waitForEnd();
 

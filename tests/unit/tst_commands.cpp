@@ -24,7 +24,8 @@ void tst_Commands::wordsStandInOrder()
         words.append(command.word);
     }
     QCOMPARE(words,
-             (QByteArrayList { "SET", "SETARRAY", "GET", "ACTION", "SERVERSTAT", "SERVERCMD" }));
+             (QByteArrayList { "DBG", "SIG", "NOTIFY", "SET", "SETARRAY", "GET", "LIST", "FILE",
+                               "ACTION", "SERVERSTAT", "SERVERCMD" }));
 }
 
 void tst_Commands::handlers_data()
@@ -35,9 +36,14 @@ void tst_Commands::handlers_data()
         const Command *command = findCommand(word);
         QTest::newRow(word) << (command != nullptr && command->handler == handler);
     };
+    row("DBG", &Movra::dbgCommand);
+    row("SIG", &Movra::sigCommand);
+    row("NOTIFY", &Movra::notifyCommand);
     row("SET", &Movra::setCommand);
     row("SETARRAY", &Movra::setArrayCommand);
     row("GET", &Movra::getCommand);
+    row("LIST", &Movra::listCommand);
+    row("FILE", &Movra::fileCommand);
     row("ACTION", &Movra::actionCommand);
     row("SERVERSTAT", &Movra::serverStatCommand);
     row("SERVERCMD", &Movra::serverCmdCommand);

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// FILE: asks the service to save its configuration to a file on its side, or to load it.
+#include "app/commandline.h"
+#include "app/movra.h"
+#include "bus/proxies.h"
+
+#include <QDBusReply>
+
+#include <string>
+
+int Movra::fileCommand(char **argv)
+{
+    if (argv[FirstArgument] == nullptr || argv[SecondArgument] == nullptr) {
+        return ArgumentMissing;
+    }
+    const std::string word = argv[FirstArgument];
+    const QString name = QString::fromLatin1(argv[SecondArgument]);
+    const bool saves = word == "SAVE";
+    if (!saves && word != "LOAD") {
+        return NotSupported;
+    }
+    // Making a QDBusReply of the pending reply is the wait. What it says, true or false, is not
+    // asked.
+    const QDBusReply<bool> reply = saves ? iface->SaveConfig(name) : iface->LoadConfig(name);
+    if (!reply.isValid()) {
+        reportFailedReply();
+    }
+    return Success;
+}

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// LIST: prints one of the service's catalogues, an entry a line.
+#include "app/commandline.h"
+#include "app/movra.h"
+#include "bus/proxies.h"
+
+#include <QDBusReply>
+
+#include <iostream>
+
+namespace
+{
+
+void printLine(const QString &text)
+{
+    std::cout << text.toLatin1().constData() << std::endl;
+}
+
+/// Prints what a catalogue call answers. A failed call is neither printed nor recorded: it shows in
+/// the status alone, which no other command does.
+int printCatalogue(const QDBusReply<QStringList> &reply)
+{
+    if (!reply.isValid()) {
+        return ArgumentMissing;
+    }
+    const QStringList ids = reply.value();
+    for (const QString &id : ids) {
+        printLine(id);
+    }
+    return Success;
+}
+
+/// The log ids come as one string, printed as it is.
+int printLogIds(const QDBusReply<QString> &reply)
+{
+    if (!reply.isValid()) {
+        return ArgumentMissing;
+    }
+    printLine(reply.value());
+    return Success;
+}
+
+} // namespace
+
+int Movra::listCommand(char **argv)
+{
+    if (argv[FirstArgument] == nullptr) {
+        return ArgumentMissing;
+    }
+    // Prefixes, in this order: "CONFIGS" is served as well as "CONFIG".
+    const QString word = QString::fromLatin1(argv[FirstArgument]);
+    if (word.startsWith(QLatin1String("CONFIG"))) {
+        return printCatalogue(iface->ListConfigIds());
+    }
+    if (word.startsWith(QLatin1String("RESULT"))) {
+        return printCatalogue(iface->ListResultIds());
+    }
+    if (word.startsWith(QLatin1String("ACTION"))) {
+        return printCatalogue(iface->ListActionIds());
+    }
+    if (word.startsWith(QLatin1String("LOG"))) {
+        return printLogIds(iface->LogGetIds());
+    }
+    // Not the status that other commands have for an unknown word.
+    return ArgumentMissing;
+}

@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: MIT
+// SIG through the built program: what the monitor prints, what it does not, and how it ends.
+#include "tests/support/movrarun.h"
+
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+namespace
+{
+
+/// The one warning: release builds have the whole line, debug builds append file and line.
+const QByteArray warning =
+    "QObject::connect: No such signal KorAppInterface::SigLogNotification(QStringList)";
+
+} // namespace
+
+class tst_Monitor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void signalLines_data();
+    void signalLines();
+    void otherTypesAreIgnoredInSilence();
+    void signalsOfOthersAreNotPrinted();
+    void logNotificationsAreNeverPrinted();
+    void nothingIsAskedOfTheService();
+    void wordsAfterSigAreIgnored();
+    void oneWarningOnStandardError();
+    void theServiceMayGoAndComeBack();
+    void aHundredThousandSignalsInOrder();
+    void signalsEndIt_data();
+    void signalsEndIt();
+    void aReaderThatLeftEndsIt();
+    void aMonitorOfNobodyStays_data();
+    void aMonitorOfNobodyStays();
+
+private:
+    /// Starts the monitor and waits until it prints what it hears.
+    void start(const QByteArrayList &furtherWords = {});
+    /// Emits a last signal, ends the monitor behind it and returns what it printed before.
+    QByteArray linesUpToNow();
+
+    std::unique_ptr<FakeService> service;
+    std::unique_ptr<Program> monitor;
+};
+
+void tst_Monitor::init()
+{
+    monitor.reset();
+    service.reset();
+    service = std::make_unique<FakeService>();
+    QTRY_COMPARE(service->matchRules("com.varn.tul").size(), 0);
+}
+
+void tst_Monitor::start(const QByteArrayList &furtherWords)
+{
+    monitor = std::make_unique<Program>(
+        MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/", "SIG" } + furtherWords,
+        busEnvironment());
+    // One rule for each name of a signal.
+    QTRY_COMPARE(service->matchRules("com.varn.tul").size(), 7);
+    // Qt D-Bus holds signals back until the event loop first runs, and may then let a new one
+    // overtake those that it held. Once one has come through, that is over.
+    service->emitSignal("SigInfo", "('first',)");
+    QVERIFY(monitor->waitForLines(1));
+    QCOMPARE(monitor->out, QByteArray("===Client sigInfoSlot  msg=first\n"));
+    monitor->out.clear();
+}
+
+QByteArray tst_Monitor::linesUpToNow()
+{
+    const QByteArray last = "===Client sigInfoSlot  msg=last\n";
+    service->emitSignal("SigInfo", "('last',)");
+    while (!monitor->out.endsWith(last)) {
+        if (!monitor->waitForLines(monitor->out.count('\n') + 1)) {
+            return monitor->out + "(the last line did not come)";
+        }
+    }
+    monitor->send(SIGTERM);
+    if (!monitor->waitForEnd() || monitor->status != 256 + SIGTERM) {
+        return "(the monitor did not end as it should)";
+    }
+    return monitor->out.chopped(last.size());
+}
+
+void tst_Monitor::signalLines_data()
+{
+    QTest::addColumn<QByteArray>("member");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QByteArray>("out");
+    const auto row = [](const char *name, const char *member, const char *body, const char *out) {
+        QTest::newRow(name) << QByteArray(member) << QByteArray(body) << QByteArray(out);
+    };
+    row("the alarm line says alarmSlot", "SigAlarm", "('abc',)", "===Client alarmSlot  msg=abc\n");
+    row("closing", "SigDBusServerClosing", "('abc',)",
+        "===Client sigDBusServerClosingSlot  msg=abc\n");
+    row("error", "SigError", "('abc',)", "===Client sigErrorSlot  msg=abc\n");
+    row("info", "SigInfo", "('abc',)", "===Client sigInfoSlot  msg=abc\n");
+    row("test complete", "SigTestComplete", "('abc',)", "===Client sigTestCompleteSlot  msg=abc\n");
+    row("update", "SigUpdate", "('abc',)", "===Client sigUpdateSlot  msg=abc\n");
+    row("an empty text", "SigAlarm", "('',)", "===Client alarmSlot  msg=\n");
+    row("text is printed in Latin-1", "SigUpdate", "('é € \U0001F600',)",
+        "===Client sigUpdateSlot  msg=\xe9 ? ??\n");
+    row("formats and line ends are text", "SigError", "('%s%n\\ntwo\\t',)",
+        "===Client sigErrorSlot  msg=%s%n\ntwo\t\n");
+
+    const char *const data = "SigTestCompleteWithData";
+    row("doubles: only the first is printed", data, "('done', [1.5, 2.0, 3.0])",
+        "sigTestCompleteWithDataSlot double msg=done size=3 data[0]=1.5\n");
+    row("no doubles", data, "('done', @ad [])",
+        "sigTestCompleteWithDataSlot double msg=done size=0\n");
+    row("one double", data, "('x', [0.1])",
+        "sigTestCompleteWithDataSlot double msg=x size=1 data[0]=0.1\n");
+    row("a double has six significant digits", data, "('x', [1234567.0])",
+        "sigTestCompleteWithDataSlot double msg=x size=1 data[0]=1.23457e+06\n");
+    row("the greatest unsigned number", data, "('x', [uint32 4294967295, 1])",
+        "sigTestCompleteWithDataSlot uint32_t msg=x size=2 data[0]=4294967295\n");
+    row("no unsigned numbers", data, "('é', @au [])",
+        "sigTestCompleteWithDataSlot uint32_t msg=\xe9 size=0\n");
+}
+
+void tst_Monitor::signalLines()
+{
+    QFETCH(QByteArray, member);
+    QFETCH(QByteArray, body);
+    QFETCH(QByteArray, out);
+    start();
+    service->emitSignal(member, body);
+    QCOMPARE(linesUpToNow(), out);
+}
+
+void tst_Monitor::otherTypesAreIgnoredInSilence()
+{
+    start();
+    const char *const members[] = { "SigAlarm", "SigDBusServerClosing", "SigError",
+                                    "SigInfo",  "SigTestComplete",      "SigUpdate" };
+    for (const char *member : members) {
+        for (const char *body : { "()", "(1,)", "(<'a'>,)", "(['a'],)", "(objectpath '/a',)" }) {
+            service->emitSignal(member, body);
+        }
+    }
+    for (const char *body :
+         { "('a',)", "('a', 1.5)", "('a', [1])", "('a', [int64 1])", "([1.5], 'a')" }) {
+        service->emitSignal("SigTestCompleteWithData", body);
+    }
+    service->emitSignal("SigAlarm", "('good',)");
+    service->emitSignal("SigTestCompleteWithData", "('good', [2.5])");
+    QCOMPARE(linesUpToNow(),
+             QByteArray("===Client alarmSlot  msg=good\n"
+                        "sigTestCompleteWithDataSlot double msg=good size=1 data[0]=2.5\n"));
+    QCOMPARE(monitor->err.count('\n'), 1);
+}
+
+void tst_Monitor::signalsOfOthersAreNotPrinted()
+{
+    start();
+    FakeService("com.varn.other").emitSignal("SigAlarm", "('another sender',)");
+    service->emitSignal("SigAlarm", "('another path',)", "/other");
+    service->emitSignal("SigAlarm", "('another interface',)", "/", "varn.pimx");
+    service->emitSignal("SigAlarms", "('another member',)");
+    QCOMPARE(linesUpToNow(), QByteArray());
+}
+
+void tst_Monitor::logNotificationsAreNeverPrinted()
+{
+    start();
+    service->emitSignal("SigLogNotification", "(['a', 'b'],)");
+    QCOMPARE(linesUpToNow(), QByteArray());
+}
+
+void tst_Monitor::nothingIsAskedOfTheService()
+{
+    start();
+    QCOMPARE(linesUpToNow(), QByteArray());
+    QCOMPARE(service->takeCalls(), QByteArrayList());
+}
+
+void tst_Monitor::wordsAfterSigAreIgnored()
+{
+    start({ "-h", "x" });
+    service->emitSignal("SigAlarm", "('abc',)");
+    QCOMPARE(linesUpToNow(), QByteArray("===Client alarmSlot  msg=abc\n"));
+}
+
+void tst_Monitor::oneWarningOnStandardError()
+{
+    start();
+    QCOMPARE(linesUpToNow(), QByteArray());
+#ifdef QT_NO_DEBUG
+    QCOMPARE(monitor->err, warning + '\n');
+#else
+    QVERIFY2(monitor->err.startsWith(warning + " in "), monitor->err.constData());
+    QCOMPARE(monitor->err.count('\n'), 1);
+#endif
+}
+
+void tst_Monitor::theServiceMayGoAndComeBack()
+{
+    start();
+    service->emitSignal("SigAlarm", "('before',)");
+    QVERIFY(monitor->waitForLines(1));
+    service.reset();
+    {
+        FakeService("com.varn.other").emitSignal("SigAlarm", "('meanwhile',)");
+    }
+    service = std::make_unique<FakeService>();
+    service->emitSignal("SigAlarm", "('after',)");
+    QCOMPARE(linesUpToNow(),
+             QByteArray("===Client alarmSlot  msg=before\n===Client alarmSlot  msg=after\n"));
+}
+
+void tst_Monitor::aHundredThousandSignalsInOrder()
+{
+    start();
+    constexpr int count = 100000;
+    constexpr int kinds = 8;
+    const char *const members[kinds] = {
+        "SigAlarm",
+        "SigDBusServerClosing",
+        "SigError",
+        "SigInfo",
+        "SigTestComplete",
+        "SigUpdate",
+        "SigTestCompleteWithData",
+        "SigTestCompleteWithData",
+    };
+    const char *const bodies[kinds] = {
+        "('%1',)", "('%1',)", "('%1',)",       "('%1',)",
+        "('%1',)", "('%1',)", "('%1', [0.5])", "('%1', [uint32 7])",
+    };
+    const char *const lines[kinds] = {
+        "===Client alarmSlot  msg=%1\n",
+        "===Client sigDBusServerClosingSlot  msg=%1\n",
+        "===Client sigErrorSlot  msg=%1\n",
+        "===Client sigInfoSlot  msg=%1\n",
+        "===Client sigTestCompleteSlot  msg=%1\n",
+        "===Client sigUpdateSlot  msg=%1\n",
+        "sigTestCompleteWithDataSlot double msg=%1 size=1 data[0]=0.5\n",
+        "sigTestCompleteWithDataSlot uint32_t msg=%1 size=1 data[0]=7\n",
+    };
+    QByteArray expected;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        const int kind = i % kinds;
+        service->emitSignal(members[kind], QByteArray(bodies[kind]).replace("%1", number), "/",
+                            "varn.pim", FakeService::After::MoreFollows);
+        expected += QByteArray(lines[kind]).replace("%1", number);
+        // The reader keeps up, or the test would measure the queues in between.
+        if (i % 1000 == 999) {
+            QVERIFY(monitor->waitForLines(i - 500));
+        }
+    }
+    const QByteArray printed = linesUpToNow();
+    QCOMPARE(printed.count('\n'), count);
+    QVERIFY(printed == expected);
+}
+
+void tst_Monitor::signalsEndIt_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("INT") << SIGINT;
+    QTest::newRow("TERM") << SIGTERM;
+    QTest::newRow("HUP") << SIGHUP;
+    QTest::newRow("KILL") << SIGKILL;
+}
+
+void tst_Monitor::signalsEndIt()
+{
+    QFETCH(int, signal);
+    start();
+    // The line is through the pipe while the monitor runs, so nothing is left to lose.
+    service->emitSignal("SigAlarm", "('abc',)");
+    QVERIFY(monitor->waitForLines(1));
+    monitor->send(signal);
+    QVERIFY(monitor->waitForEnd());
+    QCOMPARE(monitor->out, QByteArray("===Client alarmSlot  msg=abc\n"));
+    QCOMPARE(monitor->status, 256 + signal);
+}
+
+void tst_Monitor::aReaderThatLeftEndsIt()
+{
+    start();
+    monitor->leaveOutput();
+    service->emitSignal("SigAlarm", "('abc',)");
+    QVERIFY(monitor->waitForEnd());
+    QCOMPARE(monitor->status, 256 + SIGPIPE);
+}
+
+void tst_Monitor::aMonitorOfNobodyStays_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("path");
+    QTest::newRow("a unique name that nobody has") << QByteArray(":1.999999") << QByteArray("/");
+    QTest::newRow("an empty path") << QByteArray("com.varn.tul") << QByteArray();
+}
+
+void tst_Monitor::aMonitorOfNobodyStays()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArray, path);
+    monitor = std::make_unique<Program>(MOVRA_PROGRAM, QByteArrayList { name, path, "SIG" },
+                                        busEnvironment());
+    QTRY_COMPARE(service->matchRules(name).size(), 7);
+    monitor->send(SIGTERM);
+    QVERIFY(monitor->waitForEnd());
+    QCOMPARE(monitor->out, QByteArray());
+    QCOMPARE(monitor->status, 256 + SIGTERM);
+}
+
+QTEST_GUILESS_MAIN(tst_Monitor)
+#include "tst_monitor.moc"
