@@ -136,7 +136,7 @@ void tst_Connection::noBus()
     QFETCH(QByteArrayList, environment);
 
     Program program(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" },
-                    environment + sanitizerEnvironment());
+                    environment + baseEnvironment());
     QVERIFY(program.waitForEnd());
     QCOMPARE(program.out, notValid("Not connected to D-Bus server"));
     QCOMPARE(program.err, QByteArray());
@@ -192,7 +192,7 @@ void tst_Connection::failedConnectionsDoNotWait_data()
     QTest::newRow("a malformed path")
         << QByteArrayList { "com.varn.nobody", "x", "SERVERSTAT" } << bus;
     QTest::newRow("no bus") << QByteArrayList { "com.varn.tul", "/", "SERVERSTAT" }
-                            << sanitizerEnvironment();
+                            << baseEnvironment();
     QTest::newRow("usage text") << QByteArrayList { "-h" } << bus;
 }
 

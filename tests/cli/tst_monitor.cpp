@@ -68,17 +68,15 @@ void tst_Monitor::start(const QByteArrayList &furtherWords)
     service->emitSignal("SigInfo", "('first',)");
     QVERIFY(monitor->waitForLines(1));
     QCOMPARE(monitor->out, QByteArray("===Client sigInfoSlot  msg=first\n"));
-    monitor->out.clear();
+    monitor->forgetOutput();
 }
 
 QByteArray tst_Monitor::linesUpToNow()
 {
     const QByteArray last = "===Client sigInfoSlot  msg=last\n";
     service->emitSignal("SigInfo", "('last',)");
-    while (!monitor->out.endsWith(last)) {
-        if (!monitor->waitForLines(monitor->out.count('\n') + 1)) {
-            return monitor->out + "(the last line did not come)";
-        }
+    if (!monitor->waitForLastLine(last)) {
+        return monitor->out + "(the last line did not come)";
     }
     monitor->send(SIGTERM);
     if (!monitor->waitForEnd() || monitor->status != 256 + SIGTERM) {

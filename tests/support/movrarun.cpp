@@ -18,10 +18,11 @@ QByteArray nameOfRow(int index)
 
 } // namespace
 
-QByteArrayList sanitizerEnvironment()
+QByteArrayList baseEnvironment()
 {
     QByteArrayList variables;
-    for (const char *name : { "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS" }) {
+    for (const char *name :
+         { "LC_ALL", "LOCPATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS" }) {
         if (qEnvironmentVariableIsSet(name)) {
             variables.append(QByteArray(name) + '=' + qgetenv(name));
         }
@@ -31,7 +32,7 @@ QByteArrayList sanitizerEnvironment()
 
 QByteArrayList busEnvironment()
 {
-    return sanitizerEnvironment()
+    return baseEnvironment()
         + QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS") };
 }
 

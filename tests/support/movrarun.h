@@ -14,10 +14,11 @@
 #include <memory>
 #include <vector>
 
-/// The variables that the sanitizers read, as they are set for the test itself.
-QByteArrayList sanitizerEnvironment();
+/// What a program under test inherits of the test's own environment: the locale, and what the
+/// sanitizers read.
+QByteArrayList baseEnvironment();
 
-/// The environment of a program under test: the private bus, and what the sanitizers read.
+/// The same, and the private bus.
 QByteArrayList busEnvironment();
 
 /// One run of the program.

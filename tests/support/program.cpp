@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/program.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -109,7 +110,9 @@ bool Program::readSome(Clock::time_point deadline)
         return Clock::now() < deadline;
     }
     if (pipes[0].revents != 0) {
+        const int before = out.size();
         drain(outPipe, out);
+        lines += static_cast<int>(std::count(out.cbegin() + before, out.cend(), '\n'));
     }
     if (pipes[1].revents != 0) {
         drain(errPipe, err);
@@ -130,13 +133,29 @@ void Program::leaveOutput()
 
 bool Program::waitForLines(int count)
 {
+    return readUntil([this, count] { return lines >= count; });
+}
+
+bool Program::waitForLastLine(const QByteArray &line)
+{
+    return readUntil([this, &line] { return out.endsWith(line); });
+}
+
+bool Program::readUntil(const std::function<bool()> &enough)
+{
     const auto deadline = Clock::now() + patience;
-    while (out.count('\n') < count) {
+    while (!enough()) {
         if (outPipe < 0 || !readSome(deadline)) {
             return false;
         }
     }
     return true;
+}
+
+void Program::forgetOutput()
+{
+    out.clear();
+    lines = 0;
 }
 
 bool Program::waitForEnd()

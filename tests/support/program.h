@@ -6,6 +6,7 @@
 #include <QByteArrayList>
 
 #include <chrono>
+#include <functional>
 
 #include <sys/types.h>
 
@@ -24,6 +25,10 @@ public:
 
     /// Reads until standard output holds this many lines; false if it ends or 30 s pass before.
     bool waitForLines(int count);
+    /// Reads until standard output ends with this line; false if it ends or 30 s pass before.
+    bool waitForLastLine(const QByteArray &line);
+    /// Empties `out`, and counts lines anew.
+    void forgetOutput();
     /// Sends the program a signal.
     void send(int signal);
     /// Leaves standard output unread from now on, as a reader that went away.
@@ -40,8 +45,11 @@ public:
 private:
     /// Waits for output, or for the end of both streams; false at the deadline.
     bool readSome(std::chrono::steady_clock::time_point deadline);
+    /// Reads until there is enough; false if standard output ends or 30 s pass before.
+    bool readUntil(const std::function<bool()> &enough);
 
     pid_t pid = -1;
+    int lines = 0; ///< in `out`
     int outPipe = -1;
     int errPipe = -1;
 };
