@@ -4,30 +4,10 @@
 
 #include <QTest>
 
-#include <functional>
 #include <vector>
 
 namespace
 {
-
-using Prepare = std::function<void(FakeService &)>;
-
-Prepare answers(const char *member, const char *body)
-{
-    return [=](FakeService &service) { service.answer(member, body); };
-}
-
-Prepare refuses(const char *member)
-{
-    return [=](FakeService &service) {
-        service.refuse(member, "varn.pim.Error.Refused", "the reply's own text is never shown");
-    };
-}
-
-QByteArray error(const char *number)
-{
-    return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
-}
 
 const QByteArray failed = "Reply Not Valid     err=\n"; // five blanks
 
@@ -93,7 +73,7 @@ std::vector<MovraRow> listRows()
         { "LIST LOGS: a list is a failed call", { "@", "/", "LIST", "LOGS" },
           answers("LogGetIds", "(['a'],)"), error("3"), { "LogGetIds" }, 3 },
         { "LIST: the service goes away instead of answering", { "@", "/", "LIST", "CONFIGS" },
-          [](FakeService &service) { service.leaveOn("ListConfigIds"); }, error("3"),
+          leavesOn("ListConfigIds"), error("3"),
           { "ListConfigIds" }, 3 },
         { "LIST to nobody", { ":1.999999", "/", "LIST", "CONFIGS" }, {}, error("3"), {}, 3 },
         { "LIST on an empty path prints no reason", { "@", "", "LIST", "LOGS" }, {}, error("3"),
@@ -142,7 +122,7 @@ std::vector<MovraRow> fileRows()
         { "FILE LOAD: an empty reply is a failed call", { "@", "/", "FILE", "LOAD", "a" },
           answers("LoadConfig", "()"), failed, { "LoadConfig s ('a',)" }, 0 },
         { "FILE: the service goes away instead of answering", { "@", "/", "FILE", "LOAD", "a" },
-          [](FakeService &service) { service.leaveOn("LoadConfig"); }, failed,
+          leavesOn("LoadConfig"), failed,
           { "LoadConfig s ('a',)" }, 0 },
         { "FILE to nobody", { ":1.999999", "/", "FILE", "SAVE", "a" }, {}, failed, {}, 0 },
         { "FILE on an empty path", { "@", "", "FILE", "LOAD", "a" }, {},

@@ -147,9 +147,6 @@ void tst_Connection::theHalfSecond_data()
 {
     QTest::addColumn<QByteArrayList>("request");
     QTest::addColumn<QByteArray>("out");
-    const auto error = [](const char *number) {
-        return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
-    };
     QTest::newRow("after an answer") << QByteArrayList { "SERVERSTAT" } << QByteArray("5\n");
     QTest::newRow("after a refused call")
         << QByteArrayList { "ACTION", "x" } << QByteArray("Reply Not Valid     err=\n");

@@ -121,17 +121,6 @@ const Value values[] = {
 
 std::vector<MovraRow> forms()
 {
-    const auto error = [](const char *number) {
-        return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
-    };
-    const auto answers = [](const char *member, const char *body) {
-        return [=](FakeService &service) { service.answer(member, body); };
-    };
-    const auto refuses = [](const char *member) {
-        return [=](FakeService &service) {
-            service.refuse(member, "varn.pim.Error.Refused", "the reply's own text is never shown");
-        };
-    };
     const auto text = answers("GetValue", "(<'t'>,)");
     const auto status = answers("GetStatus", "(-7,)");
     const auto record = answers("GetValueStatus", "((':another:doubleARRAY:', <[uint32 4294967295]>, -7),)");

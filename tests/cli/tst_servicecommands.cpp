@@ -4,25 +4,10 @@
 
 #include <QTest>
 
-#include <functional>
 #include <vector>
 
 namespace
 {
-
-using Prepare = std::function<void(FakeService &)>;
-
-Prepare answers(const char *member, const char *body)
-{
-    return [=](FakeService &service) { service.answer(member, body); };
-}
-
-Prepare refuses(const char *member)
-{
-    return [=](FakeService &service) {
-        service.refuse(member, "varn.pim.Error.Refused", "the reply's own text is never shown");
-    };
-}
 
 /// A timeout as it is typed and as it travels.
 MovraRow timeoutRow(const char *name, const char *typed, const char *sent)
@@ -39,9 +24,6 @@ const QByteArray failed = "Reply Not Valid     err=\n"; // five blanks
 
 std::vector<MovraRow> rows()
 {
-    const auto error = [](const char *number) {
-        return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
-    };
     // clang-format off
     return {
         { "SERVERSTAT prints a bare number", { "@", "/", "SERVERSTAT" },
@@ -67,7 +49,7 @@ std::vector<MovraRow> rows()
           answers("DBusServerStatus", "(5, 'more', [1])"), "5\n", { "DBusServerStatus" }, 0 },
 
         { "SERVERSTAT: the service goes away instead of answering", { "@", "/", "SERVERSTAT" },
-          [](FakeService &service) { service.leaveOn("DBusServerStatus"); }, failed,
+          leavesOn("DBusServerStatus"), failed,
           { "DBusServerStatus" }, 0 },
         { "SERVERSTAT: a path that the service does not export", { "@", "/nowhere", "SERVERSTAT" },
           [](FakeService &service) {
@@ -107,7 +89,7 @@ std::vector<MovraRow> rows()
           { "@", "/", "ACTION", ":a:", "now" }, answers("DoAction", "('x', 5)"), "x\n",
           { "DoAction ss (':a:', 'now')" }, 0 },
         { "ACTION: the service goes away instead of answering", { "@", "/", "ACTION", ":a:" },
-          [](FakeService &service) { service.leaveOn("DoAction"); }, failed,
+          leavesOn("DoAction"), failed,
           { "DoAction s (':a:',)" }, 0 },
         { "ACTION with an empty id", { "@", "/", "ACTION", "" }, {}, "", { "DoAction s ('',)" },
           0 },

@@ -9,11 +9,6 @@
 namespace
 {
 
-QByteArray error(const char *number)
-{
-    return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
-}
-
 void refuseAll(FakeService &service)
 {
     for (const char *member :
@@ -122,13 +117,13 @@ std::vector<MovraRow> dbgRows()
         sends("word and value are Latin-1", { "DBG", "\xe9", "\xc3\xa9" },
               "DbgLogCmd ss ('é', 'Ã©')"),
         { "GET_IDS prints a line for each id", { "@", "/", "DBG", "GET_IDS" },
-          [](FakeService &service) { service.answer("DbgLogGetIds", "(['LOG_XDSL', '', 'é€%s'],)"); },
+          answers("DbgLogGetIds", "(['LOG_XDSL', '', 'é€%s'],)"),
           "LOG_XDSL\n\n\xe9?%s\n", { "DbgLogGetIds" }, 0 },
         { "GET_IDS ignores further words", { "@", "/", "DBG", "GET_IDS", "x" },
-          [](FakeService &service) { service.answer("DbgLogGetIds", "(['a'],)"); }, "a\n",
+          answers("DbgLogGetIds", "(['a'],)"), "a\n",
           { "DbgLogGetIds" }, 0 },
         { "GET_IDS without any id prints nothing", { "@", "/", "DBG", "GET_IDS" },
-          [](FakeService &service) { service.answer("DbgLogGetIds", "(@as [],)"); }, "",
+          answers("DbgLogGetIds", "(@as [],)"), "",
           { "DbgLogGetIds" }, 0 },
 
         refused("no sub-word", { "DBG" }, 3),
@@ -147,10 +142,10 @@ std::vector<MovraRow> dbgRows()
         { "refused ids: two blanks before ERROR and two after", { "@", "/", "DBG", "GET_IDS" },
           refuseAll, idsFailed, { "DbgLogGetIds" }, 0 },
         { "one text instead of ids is a failed call", { "@", "/", "DBG", "GET_IDS" },
-          [](FakeService &service) { service.answer("DbgLogGetIds", "('a',)"); }, idsFailed,
+          answers("DbgLogGetIds", "('a',)"), idsFailed,
           { "DbgLogGetIds" }, 0 },
         { "the service goes away instead of answering", { "@", "/", "DBG", "SET", "x" },
-          [](FakeService &service) { service.leaveOn("DbgLogCmd"); }, setFailed,
+          leavesOn("DbgLogCmd"), setFailed,
           { "DbgLogCmd ss ('SET', 'x')" }, 0 },
         { "a command to nobody", { ":1.999999", "/", "DBG", "SET", "x" }, {}, setFailed, {}, 0 },
         { "ids from nobody", { ":1.999999", "/", "DBG", "GET_IDS" }, {}, idsFailed, {}, 0 },

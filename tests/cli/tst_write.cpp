@@ -7,11 +7,6 @@
 namespace
 {
 
-QByteArray error(const char *number)
-{
-    return QByteArray("Error While Parsing Command -- use -h for help   err:") + number + '\n';
-}
-
 /// A record as it travels: the id and the variant, both as GVariant text.
 QByteArrayList record(const char *id, const char *variant)
 {

@@ -36,6 +36,28 @@ QByteArrayList busEnvironment()
         + QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS") };
 }
 
+Prepare answers(const char *member, const char *body)
+{
+    return [=](FakeService &service) { service.answer(member, body); };
+}
+
+Prepare refuses(const char *member)
+{
+    return [=](FakeService &service) {
+        service.refuse(member, "varn.pim.Error.Refused", "the reply's own text is never shown");
+    };
+}
+
+Prepare leavesOn(const char *member)
+{
+    return [=](FakeService &service) { service.leaveOn(member); };
+}
+
+QByteArray error(const char *status)
+{
+    return QByteArray("Error While Parsing Command -- use -h for help   err:") + status + '\n';
+}
+
 MovraRows::Run::Run(const MovraRow &row, const QByteArray &serviceName)
     : service(serviceName)
 {

@@ -21,11 +21,24 @@ QByteArrayList baseEnvironment();
 /// The same, and the private bus.
 QByteArrayList busEnvironment();
 
+/// What the service of a row is told before the program starts.
+using Prepare = std::function<void(FakeService &)>;
+
+/// The service answers a member with a body in GVariant text.
+Prepare answers(const char *member, const char *body);
+/// The service answers a member with an error, whose text is never to be seen.
+Prepare refuses(const char *member);
+/// The service leaves the bus when the member is called.
+Prepare leavesOn(const char *member);
+
+/// The program's own error line with a status.
+QByteArray error(const char *status);
+
 /// One run of the program.
 struct MovraRow {
     const char *name; ///< a sentence
     QByteArrayList arguments; ///< what is typed; "@" stands for the name of the row's own service
-    std::function<void(FakeService &)> prepare; ///< what the service answers; may be empty
+    Prepare prepare; ///< what the service answers; may be empty
     QByteArray out; ///< the whole of standard output
     QByteArrayList calls; ///< what reaches the service, in order
     int status;
