@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Prints an array that arrived packed, one element a line.
 #include "app/arraykind.h"
+#include "app/elementlines.h"
 #include "app/movra.h"
 #include "bus/types.h"
 
@@ -16,9 +17,7 @@ template <typename T> void printElements(const QDBusArgument &value)
 {
     std::vector<T> elements;
     value >> elements;
-    for (const T &element : elements) {
-        std::cout << element << std::endl;
-    }
+    writeElementLines(std::cout, elements);
 }
 
 /// The type to read elements as: what is on the wire, but for integers of the kind's width, which
@@ -37,11 +36,8 @@ void printArray(const QString &id, const QDBusArgument &value)
 {
     // A service may send anything. Read as another type than it has, an element can be a number
     // from nowhere or the end of the process, so only arrays of numbers are read at all.
-    const QString signature = value.currentSignature();
-    if (signature.size() != 2) {
-        return;
-    }
-    switch (elementToRead(id, signature.at(1).toLatin1())) {
+    const char elementOnWire = value.currentSignature().at(1).toLatin1();
+    switch (elementToRead(id, elementOnWire)) {
     case 'b':
         return printElements<bool>(value);
     case 'n':

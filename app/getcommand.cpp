@@ -9,6 +9,18 @@
 #include <cstdio>
 #include <iostream>
 
+namespace
+{
+
+/// By its length: a byte of value 0 is a text of one character.
+void printLine(const QString &text)
+{
+    const QByteArray bytes = text.toLatin1();
+    std::cout.write(bytes.constData(), bytes.size()).put('\n');
+}
+
+} // namespace
+
 int Movra::getCommand(char **argv)
 {
     if (argv[FirstArgument] == nullptr) {
@@ -76,11 +88,11 @@ void Movra::printValue(const QString &id, const QVariant &value)
     } else if (qstrncmp(value.typeName(), "QStringList", 11) == 0) {
         const QStringList texts = value.toStringList();
         for (const QString &text : texts) {
-            std::cout << text.toLatin1().constData() << '\n';
+            printLine(text);
         }
     } else {
         // A value that has no text form is an empty line.
-        std::cout << value.toString().toLatin1().constData() << '\n';
+        printLine(value.toString());
     }
 }
 

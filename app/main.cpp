@@ -3,6 +3,7 @@
 // status.
 #include "app/commandline.h"
 #include "app/commands.h"
+#include "app/messagefilter.h"
 #include "app/movra.h"
 #include "app/usage.h"
 
@@ -23,6 +24,7 @@ int main(int argc, char **argv)
         return NotRun;
     }
 
+    installMessageFilter();
     QCoreApplication application(argc, argv);
     Movra client(&application);
     if (!client.connectToService(wordAt(argv, ServicePosition), wordAt(argv, PathPosition))) {

@@ -82,10 +82,13 @@ public Q_SLOTS:
     void notifyLogStop(QString id);
     void notifyLogClear(QString id);
 
-protected: // not private, so that tests can see what is left after a failure
+protected: // not private, so that tests can see and call what no command shows
     /// The service proxy. It has no parent and is never deleted: it lives until the process ends.
     KorAppInterface *iface = nullptr;
     QString lastErrorText; ///< text of the last bus error that was recorded
+
+    /// NOTIFY: runs the action word on a log; no command leads here.
+    int notifyLog(char **argv);
 
 private:
     /// Records the message of the proxy's last error and returns its Latin-1 form. A reply's own
@@ -107,8 +110,6 @@ private:
     /// NOTIFY: runs the action word with the slots of the group that was typed.
     int notifyItems(char **argv, void (Movra::*start)(), void (Movra::*stop)(),
                     void (Movra::*clear)());
-    /// NOTIFY: runs the action word on a log; no command leads here.
-    int notifyLog(char **argv);
 
     /// SET and SETARRAY: sends the value for the id as it was typed, and waits for nothing.
     void sendValue(const char *id, const QVariant &value);

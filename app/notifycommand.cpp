@@ -11,10 +11,10 @@
 namespace
 {
 
-/// Whether a position holds exactly this word.
-bool is(const char *position, const char *word)
+/// Whether exactly this word was typed; null is no word.
+bool is(const char *typed, const char *word)
 {
-    return position != nullptr && std::strcmp(position, word) == 0;
+    return typed != nullptr && std::strcmp(typed, word) == 0;
 }
 
 } // namespace
@@ -25,6 +25,7 @@ int Movra::notifyCommand(char **argv)
     if (group == nullptr) {
         return ArgumentMissing;
     }
+    // Without an action a known group ends as an unknown one does.
     const bool hasAction = argv[SecondArgument] != nullptr;
     if (is(group, "CONFIG")) {
         return hasAction ? notifyItems(argv, &Movra::notifyConfigStart, &Movra::notifyConfigStop,
@@ -61,6 +62,7 @@ int Movra::notifyItems(char **argv, void (Movra::*start)(), void (Movra::*stop)(
     } else if (is(action, "DEL") && argv[ThirdArgument] != nullptr) {
         notifyDelete(QString::fromLatin1(argv[ThirdArgument]));
     } else {
+        // A missing id and an unknown action end alike.
         return ArgumentMissing;
     }
     return Success;

@@ -17,8 +17,8 @@ constexpr uint maxLength = 512; // elements
 ///
 /// The announced length is trusted: with fewer values, reading goes on behind the vector's end in
 /// the environment, which follows it in memory. The environment's own end is the end, as what lies
-/// behind is no text. QCoreApplication may have moved the vector's end forward, which leaves one
-/// more null entry right before the environment.
+/// behind is no text. QCoreApplication may have taken words out, which leaves one more null
+/// entry right before the environment.
 QStringList textsAt(char **entry, uint length)
 {
     QStringList texts;

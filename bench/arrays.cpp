@@ -52,10 +52,8 @@ int main()
     std::printf("%10s %12s %16s\n", "elements", "ms", "us per element");
     for (const int count : { 1, 1000, 10000, 100000, 1000000 }) {
         service.answer("GetValue", reply(count));
-        std::vector<double> times;
-        for (int i = 0; i < runs; ++i) {
-            times.push_back(answerTime(count));
-        }
+        std::vector<double> times(runs);
+        std::generate(times.begin(), times.end(), [count] { return answerTime(count); });
         if (*std::min_element(times.begin(), times.end()) < 0) {
             std::printf("%10d: an answer was not whole\n", count);
             return 1;

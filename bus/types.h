@@ -20,7 +20,7 @@ struct IdValueStruct {
 
 /// Streams `(sv)`; the value always leaves as a variant, whatever it holds.
 QDBusArgument &operator<<(QDBusArgument &out, const IdValueStruct &record);
-/// Reads `(sv)`; an array inside the variant stays an undecoded QDBusArgument.
+/// Reads `(sv)`; an array of numbers inside the variant stays an undecoded QDBusArgument.
 const QDBusArgument &operator>>(const QDBusArgument &in, IdValueStruct &record);
 
 /// One item's identifier, value and status; D-Bus signature `(svi)`.
@@ -32,7 +32,7 @@ struct IdValueStatusStruct {
 
 /// Streams `(svi)`; the value always leaves as a variant, whatever it holds.
 QDBusArgument &operator<<(QDBusArgument &out, const IdValueStatusStruct &record);
-/// Reads `(svi)`; an array inside the variant stays an undecoded QDBusArgument.
+/// Reads `(svi)`; an array of numbers inside the variant stays an undecoded QDBusArgument.
 const QDBusArgument &operator>>(const QDBusArgument &in, IdValueStatusStruct &record);
 
 namespace busarray

@@ -12,7 +12,6 @@
 #include <QTimer>
 
 #include <memory>
-#include <vector>
 
 namespace
 {
@@ -45,10 +44,6 @@ const char *const slotSignatures[] = {
 
 } // namespace
 
-using Handler = int (Movra::*)(char **);
-
-Q_DECLARE_METATYPE(Handler)
-
 class tst_Client : public QObject
 {
     Q_OBJECT
@@ -67,10 +62,6 @@ private Q_SLOTS:
     void failedConnections();
     void destroyingTheClientLeavesTheProxyAlive();
     void quitEndsTheEventLoop();
-
-    void theProxysErrorIsShownNotTheReplys();
-    void handlersTestTheirOwnPositions_data();
-    void handlersTestTheirOwnPositions();
 
 private:
     std::unique_ptr<FakeService> service;
@@ -156,6 +147,7 @@ void tst_Client::connects()
     QVERIFY(movra.iface->isValid());
     QCOMPARE(movra.iface->interface(), QStringLiteral("varn.pim"));
     QVERIFY(movra.iface->parent() == nullptr);
+    QCOMPARE(movra.iface->timeout(), -1); // Qt D-Bus's own
     QCOMPARE(movra.lastErrorText, QString());
     QCOMPARE(service->takeCalls(), QByteArrayList());
 }
@@ -214,58 +206,6 @@ void tst_Client::quitEndsTheEventLoop()
     QTimer::singleShot(0, &movra, SLOT(quit()));
     QTimer::singleShot(10000, [] { QCoreApplication::exit(1); });
     QCOMPARE(QCoreApplication::exec(), 0);
-}
-
-void tst_Client::theProxysErrorIsShownNotTheReplys()
-{
-    service->refuse("DBusServerStatus", "varn.pim.Error.Refused", "the reply's own text");
-    OpenMovra movra;
-    QVERIFY(movra.connectToService("com.varn.tul", "/"));
-    movra.lastErrorText = QStringLiteral("older");
-    char word[] = "movra";
-    char *argv[] = { word, word, word, word, nullptr, nullptr };
-    int status = -1;
-    const QByteArray printed = captureOutput([&] { status = movra.serverStatCommand(argv); });
-    QCOMPARE(status, 0);
-    QCOMPARE(printed, QByteArray("Reply Not Valid     err=\n"));
-    QCOMPARE(movra.lastErrorText, QString());
-}
-
-void tst_Client::handlersTestTheirOwnPositions_data()
-{
-    QTest::addColumn<Handler>("handler");
-    QTest::addColumn<QByteArrayList>("arguments");
-    QTest::addColumn<int>("status");
-    const auto row = [](const char *name, Handler handler, const QByteArrayList &arguments,
-                        int status) { QTest::newRow(name) << handler << arguments << status; };
-    row("ACTION without an id", &Movra::actionCommand, {}, 3);
-    row("SERVERCMD alone", &Movra::serverCmdCommand, {}, 3);
-    row("SERVERCMD without a timeout", &Movra::serverCmdCommand, { "SET_RES_NOTIFY_TIMER" }, 3);
-    row("SERVERCMD with an unknown word and no timeout", &Movra::serverCmdCommand, { "NO" }, 3);
-    row("SERVERCMD with an unknown word", &Movra::serverCmdCommand, { "NO", "1" }, 2);
-}
-
-void tst_Client::handlersTestTheirOwnPositions()
-{
-    QFETCH(Handler, handler);
-    QFETCH(QByteArrayList, arguments);
-    QFETCH(int, status);
-
-    QByteArrayList words { "movra", "com.varn.tul", "/", "WORD" };
-    words += arguments;
-    QByteArray behind("BEHIND=the end");
-    std::vector<char *> argv;
-    for (QByteArray &word : words) {
-        argv.push_back(word.data());
-    }
-    argv.insert(argv.end(), { nullptr, behind.data(), behind.data(), nullptr });
-
-    // No connection: a handler that went further than it may would end the test.
-    OpenMovra movra;
-    int got = -1;
-    const QByteArray printed = captureOutput([&] { got = (movra.*handler)(argv.data()); });
-    QCOMPARE(got, status);
-    QCOMPARE(printed, QByteArray());
 }
 
 QTEST_GUILESS_MAIN(tst_Client)

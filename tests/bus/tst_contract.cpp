@@ -52,7 +52,8 @@ Interface fromFile()
         } else if (xml.isStartElement() && xml.name() == QLatin1String("arg")) {
             last = attribute("direction") == QLatin1String("out") ? &out : &in;
             last->append((attribute("type") + QLatin1Char(' ') + attribute("name")).trimmed());
-        } else if (xml.isStartElement() && xml.name() == QLatin1String("annotation")) {
+        } else if (xml.isStartElement() && xml.name() == QLatin1String("annotation")
+                   && last != nullptr) {
             // A signal's arguments count as going out.
             const bool goesOut = last == &out || head.startsWith(QLatin1String("signal"));
             const QString name = QStringLiteral("org.qtproject.QtDBus.QtTypeName.%1%2")

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void initTestCase();
     void typesThatAreNoArrays_data();
     void typesThatAreNoArrays();
+    void numbersAndErrorLinesStayInOrder();
     void manyElements();
 
 private:
@@ -101,6 +102,21 @@ void tst_Printer::typesThatAreNoArrays()
     QCOMPARE(captureOutput(
                  [&] { emptyHanded.printArgumentValue(QStringLiteral("x"), QDBusArgument()); }),
              QByteArray("Error:  value QDBusArgument UnknownType\n"));
+}
+
+void tst_Printer::numbersAndErrorLinesStayInOrder()
+{
+    Movra movra(nullptr);
+    const QString id = QStringLiteral("x");
+    const QDBusArgument array = received("[1.5, 2.5]");
+    const QDBusArgument structure = received("(1, 2)");
+    const QDBusArgument another = received("[uint32 7]");
+    QCOMPARE(captureOutput([&] {
+                 movra.printArgumentValue(id, array);
+                 movra.printArgumentValue(id, structure);
+                 movra.printArgumentValue(id, another);
+             }),
+             QByteArray("1.5\n2.5\nError:  value QDBusArgument StructureType\n7\n"));
 }
 
 void tst_Printer::manyElements()

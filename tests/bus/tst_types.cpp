@@ -270,10 +270,10 @@ void tst_Types::manyElements()
         };
     };
     manyRoundTrip(numbers(0.5));
-    manyRoundTrip(numbers(int32_t(-50000)));
-    manyRoundTrip(numbers(uint32_t(4294867295U)));
-    manyRoundTrip(numbers(qint64(-50000)));
-    manyRoundTrip(numbers(quint64(1) << 63U));
+    manyRoundTrip(numbers(int32_t { -50000 }));
+    manyRoundTrip(numbers(uint32_t { 4294867295U }));
+    manyRoundTrip(numbers(qint64 { -50000 }));
+    manyRoundTrip(numbers(quint64 { 1 } << 63U));
     manyRoundTrip([](int count) {
         QList<IdValueStruct> made;
         for (int i = 0; i < count; ++i) {

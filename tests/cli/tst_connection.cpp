@@ -153,6 +153,14 @@ void tst_Connection::theHalfSecond_data()
     QTest::newRow("after an unknown word") << QByteArrayList { "NOPE" } << unknownWord;
     QTest::newRow("after a word that is not supported")
         << QByteArrayList { "SERVERCMD", "NO", "1" } << error("2");
+    QTest::newRow("after GET") << QByteArrayList { "GET", "x" } << QByteArray("text\n");
+    QTest::newRow("after LIST") << QByteArrayList { "LIST", "CONFIGS" } << QByteArray("a\n");
+    QTest::newRow("after FILE") << QByteArrayList { "FILE", "SAVE", "x" } << QByteArray();
+    QTest::newRow("after SET") << QByteArrayList { "SET", "x", "y" } << QByteArray();
+    QTest::newRow("after SETARRAY")
+        << QByteArrayList { "SETARRAY", "int32ARRAY", "1", "5" } << QByteArray();
+    QTest::newRow("after NOTIFY") << QByteArrayList { "NOTIFY", "CONFIG", "START" } << QByteArray();
+    QTest::newRow("after DBG") << QByteArrayList { "DBG", "SET", "x" } << QByteArray();
     QTest::newRow("after a missing argument") << QByteArrayList { "ACTION" } << error("3");
 }
 
@@ -164,10 +172,13 @@ void tst_Connection::theHalfSecond()
     FakeService service;
     answerStatus(service);
     service.refuse("DoAction", "varn.pim.Error.Refused", "no");
+    service.answer("GetValue", "(<'text'>,)");
+    service.answer("ListConfigIds", "(['a'],)");
+    service.answer("SaveConfig", "(true,)");
     Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + request,
                     busEnvironment());
     // The line comes through the pipe while the program stays.
-    QVERIFY(program.waitForLines(1));
+    QVERIFY(program.waitForLines(out.count('\n')));
     QCOMPARE(program.out, out);
     QCOMPARE(program.status, -1);
     QVERIFY(program.waitForEnd());

@@ -137,12 +137,13 @@ void tst_Monitor::otherTypesAreIgnoredInSilence()
     const char *const members[] = { "SigAlarm", "SigDBusServerClosing", "SigError",
                                     "SigInfo",  "SigTestComplete",      "SigUpdate" };
     for (const char *member : members) {
-        for (const char *body : { "()", "(1,)", "(<'a'>,)", "(['a'],)", "(objectpath '/a',)" }) {
+        for (const char *body :
+             { "()", "(1,)", "(<'a'>,)", "(['a'],)", "(objectpath '/a',)", "(signature '',)" }) {
             service->emitSignal(member, body);
         }
     }
-    for (const char *body :
-         { "('a',)", "('a', 1.5)", "('a', [1])", "('a', [int64 1])", "([1.5], 'a')" }) {
+    for (const char *body : { "('a',)", "('a', signature '')", "('a', 1.5)", "('a', [1])",
+                              "('a', [int64 1])", "([1.5], 'a')" }) {
         service->emitSignal("SigTestCompleteWithData", body);
     }
     service->emitSignal("SigAlarm", "('good',)");

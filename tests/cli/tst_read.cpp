@@ -18,7 +18,7 @@ struct Value {
     const char *name;
     const char *id;
     const char *variant;
-    const char *out;
+    std::string out;
 };
 
 const char *const plain = ":x:";
@@ -28,6 +28,7 @@ const Value values[] = {
     { "true", plain, "true", "true\n" },
     { "false", plain, "false", "false\n" },
     { "a byte is a character", plain, "byte 65", "A\n" },
+    { "a byte of value 0 is a character", plain, "byte 0", std::string("\0\n", 2) },
     { "a byte above 0x7f", plain, "byte 233", "\xe9\n" },
     { "least int16", plain, "int16 -32768", "-32768\n" },
     { "greatest uint16", plain, "uint16 65535", "65535\n" },
@@ -45,6 +46,7 @@ const Value values[] = {
     { "a text is printed in Latin-1", plain, "'é € \U0001F600'", "\xe9 ? ??\n" },
     { "an object path has no text", plain, "objectpath '/a'", "\n" },
     { "a signature has no text", plain, "signature 'as'", "\n" },
+    { "a signature without types has no text", plain, "signature ''", "\n" },
     { "a file has no text", plain, "handle 0", "\n" },
     { "a variant in a variant has no text", plain, "<5>", "\n" },
     { "a text list is one line each", plain, "['wifi', '', 'é€']", "wifi\n\n\xe9?\n" },
@@ -62,7 +64,7 @@ const Value values[] = {
       "[1234567.0, 0.123456789, 1e300]", "1.23457e+06\n0.123457\n1e+300\n" },
     { "doubles that are no numbers", ":a:doubleARRAY:", "[inf, -inf, nan]", "inf\n-inf\nnan\n" },
     { "no doubles", ":a:doubleARRAY:", "@ad []", "" },
-    { "floats are doubles", ":a:floatARRAY:", "[1.5]", "1.5\n" },
+    { "floats are doubles", ":a:floatARRAY:", "[1.5, 1e300]", "1.5\n1e+300\n" },
     { "uint32", ":result:x:uint32ARRAY:", "[uint32 1, 4294967295]", "1\n4294967295\n" },
     { "no uint32", ":a:uint32ARRAY:", "@au []", "" },
     { "int32", ":a:int32ARRAY:", "[-2147483648, 0, 2147483647]", "-2147483648\n0\n2147483647\n" },
@@ -177,6 +179,17 @@ std::vector<MovraRow> forms()
           answers("GetValue", "()"), failed, { "GetValue s (':x:',)" }, 0 },
         { "an unsigned status is a failed call", { "@", "/", "GET", "STATUS", ":x:" },
           answers("GetStatus", "(uint32 1,)"), failed, { "GetStatus s (':x:',)" }, 0 },
+        { "an empty reply to STATUS is a failed call", { "@", "/", "GET", "STATUS", ":x:" },
+          answers("GetStatus", "()"), failed, { "GetStatus s (':x:',)" }, 0 },
+        { "a text for a status is a failed call", { "@", "/", "GET", "STATUS", ":x:" },
+          answers("GetStatus", "('1',)"), failed, { "GetStatus s (':x:',)" }, 0 },
+        { "a variant for a status is a failed call", { "@", "/", "GET", "STATUS", ":x:" },
+          answers("GetStatus", "(<1>,)"), failed, { "GetStatus s (':x:',)" }, 0 },
+        { "a long status is a failed call", { "@", "/", "GET", "STATUS", ":x:" },
+          answers("GetStatus", "(int64 1,)"), failed, { "GetStatus s (':x:',)" }, 0 },
+        { "a signature without types for a status is a failed call",
+          { "@", "/", "GET", "STATUS", ":x:" }, answers("GetStatus", "(signature '',)"), failed,
+          { "GetStatus s (':x:',)" }, 0 },
         { "a record without a status is a failed call", { "@", "/", "GET", "VAL_STAT", ":x:" },
           answers("GetValueStatus", "((':x:', <1>),)"), failed, { "GetValueStatus s (':x:',)" },
           0 },
@@ -189,17 +202,51 @@ std::vector<MovraRow> forms()
 
         { "the id: e acute typed in UTF-8 travels as two characters",
           { "@", "/", "GET", "\xc3\xa9" }, text, "t\n", { "GetValue s ('Ã©',)" }, 0 },
+        { "the id is not trimmed", { "@", "/", "GET", " x\t" }, text, "t\n",
+          { "GetValue s (' x\\t',)" }, 0 },
+        { "the id behind a sub-word is not trimmed", { "@", "/", "GET", "STATUS", " x\t" }, status,
+          "-7\n", { "GetStatus s (' x\\t',)" }, 0 },
         { "the id: a lone byte 0xe9 travels as e acute", { "@", "/", "GET", "VALUE", "\xe9" }, text,
           "t\n", { "GetValue s ('é',)" }, 0 },
     };
 }
 // clang-format on
 
+/// Values as deep and as large as a bus lets through.
+std::vector<MovraRow> extremes()
+{
+    const auto nested = [](const char *open, const char *inner, const char *close, int depth) {
+        return QByteArray(open).repeated(depth) + inner + QByteArray(close).repeated(depth);
+    };
+    const auto row = [](const char *name, const QByteArray &value, const QByteArray &out) {
+        return MovraRow { name, { "@", "/", "GET", ":x:" }, answers("GetValue", "(" + value + ",)"),
+                          out,  { "GetValue s (':x:',)" },  0 };
+    };
+    const QByteArray text(1 << 20, 'x');
+    QByteArray texts = "<['a'";
+    QByteArray lines = "a\n";
+    for (int i = 0; i < 20000; ++i) {
+        texts += ", 'b'";
+        lines += "b\n";
+    }
+    return {
+        row("variants in variants", nested("<", "5", ">", 60), "\n"),
+        row("arrays in arrays", "<" + nested("[", "1.5", "]", 30) + ">", ""),
+        row("structures in structures", "<" + nested("(", "1", ",)", 30) + ">",
+            "Error:  value QDBusArgument StructureType\n"),
+        row("a text of 1 MiB", "<'" + text + "'>", text + '\n'),
+        row("20,001 texts", texts + "]>", lines),
+    };
+}
+
 /// Every value through each of the three forms that print one.
 std::vector<MovraRow> rows()
 {
     static std::deque<std::string> names;
     std::vector<MovraRow> table = forms();
+    for (const MovraRow &row : extremes()) {
+        table.push_back(row);
+    }
     for (const Value &value : values) {
         const QByteArray id = value.id;
         const QByteArray variant = QByteArray("<") + value.variant + ">";
@@ -207,7 +254,7 @@ std::vector<MovraRow> rows()
             service.answer("GetValue", "(" + variant + ",)");
             service.answer("GetValueStatus", "((':echoed:uint32ARRAY:', " + variant + ", 5),)");
         };
-        const QByteArray out = value.out;
+        const QByteArray out = QByteArray::fromStdString(value.out);
         const auto add = [&](const char *form, const QByteArrayList &arguments,
                              const QByteArray &printed, const char *member) {
             names.push_back(std::string(value.name) + form);

@@ -180,6 +180,7 @@ private Q_SLOTS:
         table.check(row);
     }
     void theGreatestLength();
+    void oneMoreThanTheGreatestLength();
     void aLengthBeyondTheValuesReadsTheEnvironment_data();
     void aLengthBeyondTheValuesReadsTheEnvironment();
     void aMegabyteArrivesWhole();
@@ -202,7 +203,20 @@ void tst_Write::theGreatestLength()
     QVERIFY(program.waitForEnd());
     QCOMPARE(program.status, 0);
     QCOMPARE(program.out + program.err, QByteArray());
-    QCOMPARE(service.takeCalls(), record(":x:stringARRAY:", listOf(values).constData()));
+    QCOMPARE(service.waitForCalls(1), record(":x:stringARRAY:", listOf(values).constData()));
+}
+
+void tst_Write::oneMoreThanTheGreatestLength()
+{
+    FakeService service;
+    Program program(MOVRA_PROGRAM,
+                    QByteArrayList { "com.varn.tul", "/", "SETARRAY", ":x:stringARRAY:", "513" }
+                        + QVector<QByteArray>(513, "v").toList(),
+                    busEnvironment());
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, 2);
+    QCOMPARE(program.out, "Unsupported  array size 513\n" + error("2"));
+    QCOMPARE(service.takeCalls(), QByteArrayList());
 }
 
 void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment_data()
@@ -248,7 +262,8 @@ void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment()
     QVERIFY(program.waitForEnd());
     QCOMPARE(program.status, 0);
     QCOMPARE(program.out + program.err, QByteArray());
-    QCOMPARE(service.takeCalls(), record(id.constData(), sent.replace("%BUS%", bus).constData()));
+    QCOMPARE(service.waitForCalls(1),
+             record(id.constData(), sent.replace("%BUS%", bus).constData()));
 }
 
 void tst_Write::aMegabyteArrivesWhole()
@@ -265,7 +280,7 @@ void tst_Write::aMegabyteArrivesWhole()
     QVERIFY(program.waitForEnd());
     QCOMPARE(program.status, 0);
     QCOMPARE(program.out + program.err, QByteArray());
-    QVERIFY(service.takeCalls() == record(":x:stringARRAY:", listOf(values).constData()));
+    QVERIFY(service.waitForCalls(1) == record(":x:stringARRAY:", listOf(values).constData()));
 }
 
 QTEST_GUILESS_MAIN(tst_Write)

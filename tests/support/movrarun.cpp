@@ -36,7 +36,7 @@ QByteArrayList busEnvironment()
         + QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS") };
 }
 
-Prepare answers(const char *member, const char *body)
+Prepare answers(const char *member, const QByteArray &body)
 {
     return [=](FakeService &service) { service.answer(member, body); };
 }
@@ -96,6 +96,6 @@ void MovraRows::check(int index)
     QVERIFY2(run.program->waitForEnd(), "the program did not end");
     QCOMPARE(run.program->out, row.out);
     QCOMPARE(run.program->err, QByteArray());
-    QCOMPARE(run.service.takeCalls(), row.calls);
+    QCOMPARE(run.service.waitForCalls(row.calls.size()), row.calls);
     QCOMPARE(run.program->status, row.status);
 }

@@ -25,7 +25,7 @@ QByteArrayList busEnvironment();
 using Prepare = std::function<void(FakeService &)>;
 
 /// The service answers a member with a body in GVariant text.
-Prepare answers(const char *member, const char *body);
+Prepare answers(const char *member, const QByteArray &body);
 /// The service answers a member with an error, whose text is never to be seen.
 Prepare refuses(const char *member);
 /// The service leaves the bus when the member is called.

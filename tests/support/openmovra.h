@@ -13,4 +13,5 @@ public:
     }
     using Movra::iface;
     using Movra::lastErrorText;
+    using Movra::notifyLog;
 };

@@ -79,7 +79,7 @@ void tst_ArrayKind::noTextsMakeAnEmptyArray_data()
     QTest::newRow("int32ARRAY") << 3 << qMetaTypeId<std::vector<int32_t>>();
     QTest::newRow("uint64ARRAY") << 4 << qMetaTypeId<std::vector<quint64>>();
     QTest::newRow("int64ARRAY") << 5 << qMetaTypeId<std::vector<qint64>>();
-    QTest::newRow("stringARRAY") << 6 << int(QMetaType::QStringList);
+    QTest::newRow("stringARRAY") << 6 << static_cast<int>(QMetaType::QStringList);
 }
 
 void tst_ArrayKind::noTextsMakeAnEmptyArray()
@@ -120,7 +120,7 @@ void tst_ArrayKind::textsStayTexts()
 {
     const QStringList texts { QStringLiteral("7"), QString(), QStringLiteral(" \u00e9 ") };
     const QVariant array = findArrayKind(QStringLiteral("stringARRAY"))->fromTexts(texts);
-    QCOMPARE(array.userType(), int(QMetaType::QStringList));
+    QCOMPARE(array.userType(), static_cast<int>(QMetaType::QStringList));
     QCOMPARE(array.toStringList(), texts);
 }
 

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+// What Qt may say on standard error.
+#pragma once
+
+/// Keeps off standard error what a service can make Qt say: a text about a signature without types,
+/// which is legal on the bus. Everything else that Qt says stays as it is.
+void installMessageFilter();
