@@ -2,6 +2,8 @@
 // SIG through the built program: what the monitor prints, what it does not, and how it ends.
 #include "tests/support/movrarun.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
@@ -35,6 +37,9 @@ private Q_SLOTS:
     void signalsEndIt_data();
     void signalsEndIt();
     void aReaderThatLeftEndsIt();
+    void noSignalIsCaught();
+    void linesAreOutOnAFileToo();
+    void anEmptyPathHearsEveryPath();
     void aMonitorOfNobodyStays_data();
     void aMonitorOfNobodyStays();
 
@@ -289,6 +294,60 @@ void tst_Monitor::aReaderThatLeftEndsIt()
     QCOMPARE(monitor->status, 256 + SIGPIPE);
 }
 
+void tst_Monitor::noSignalIsCaught()
+{
+    start();
+    QFile file(QStringLiteral("/proc/%1/status").arg(monitor->processId()));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray caught;
+    QByteArray ignored;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.startsWith("SigCgt:")) {
+            caught = line.mid(7).trimmed();
+        } else if (line.startsWith("SigIgn:")) {
+            ignored = line.mid(7).trimmed();
+        }
+    }
+    for (const int signal : { SIGINT, SIGTERM, SIGHUP, SIGPIPE }) {
+        const quint64 bit = Q_UINT64_C(1) << (signal - 1);
+        QCOMPARE(caught.toULongLong(nullptr, 16) & bit, Q_UINT64_C(0));
+        QCOMPARE(ignored.toULongLong(nullptr, 16) & bit, Q_UINT64_C(0));
+    }
+}
+
+void tst_Monitor::linesAreOutOnAFileToo()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("lines"));
+    monitor =
+        std::make_unique<Program>("/bin/sh",
+                                  QByteArrayList { "-c", "exec \"$0\" com.varn.tul / SIG >\"$1\"",
+                                                   MOVRA_PROGRAM, QFile::encodeName(path) },
+                                  busEnvironment());
+    QTRY_COMPARE(service->matchRules("com.varn.tul").size(), 7);
+    service->emitSignal("SigAlarm", "('abc',)");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray lines;
+    QTRY_COMPARE(lines += file.readAll(), QByteArray("===Client alarmSlot  msg=abc\n"));
+    monitor->send(SIGKILL);
+    QVERIFY(monitor->waitForEnd());
+    QCOMPARE(file.readAll(), QByteArray());
+}
+
+void tst_Monitor::anEmptyPathHearsEveryPath()
+{
+    monitor = std::make_unique<Program>(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "", "SIG" },
+                                        busEnvironment());
+    QTRY_COMPARE(service->matchRules("com.varn.tul").size(), 7);
+    service->emitSignal("SigAlarm", "('one',)", "/one");
+    QVERIFY(monitor->waitForLines(1));
+    service->emitSignal("SigAlarm", "('other',)", "/other");
+    QVERIFY(monitor->waitForLines(2));
+    QCOMPARE(monitor->out,
+             QByteArray("===Client alarmSlot  msg=one\n===Client alarmSlot  msg=other\n"));
+}
+
 void tst_Monitor::aMonitorOfNobodyStays_data()
 {
     QTest::addColumn<QByteArray>("name");
@@ -304,9 +363,12 @@ void tst_Monitor::aMonitorOfNobodyStays()
     monitor = std::make_unique<Program>(MOVRA_PROGRAM, QByteArrayList { name, path, "SIG" },
                                         busEnvironment());
     QTRY_COMPARE(service->matchRules(name).size(), 7);
+    // Any other command would have ended meanwhile.
+    QTest::qWait(1000);
     monitor->send(SIGTERM);
     QVERIFY(monitor->waitForEnd());
     QCOMPARE(monitor->out, QByteArray());
+    QCOMPARE(monitor->err.count('\n'), 1);
     QCOMPARE(monitor->status, 256 + SIGTERM);
 }
 

@@ -29,6 +29,7 @@ public:
     bool waitForLastLine(const QByteArray &line);
     /// Empties `out`, and counts lines anew.
     void forgetOutput();
+    pid_t processId() const { return pid; }
     /// Sends the program a signal.
     void send(int signal);
     /// Leaves standard output unread from now on, as a reader that went away.
