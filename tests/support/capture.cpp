@@ -8,18 +8,34 @@
 
 #include <unistd.h>
 
-QByteArray captureOutput(const std::function<void()> &action)
+namespace
+{
+
+/// What is written to a descriptor while the action runs.
+QByteArray capture(int descriptor, std::FILE *stream, const std::function<void()> &action)
 {
     QTemporaryFile file;
-    std::fflush(stdout);
-    const int before = dup(STDOUT_FILENO);
-    if (!file.open() || before < 0 || dup2(file.handle(), STDOUT_FILENO) < 0) {
-        throw std::runtime_error("standard output cannot be captured");
+    std::fflush(stream);
+    const int before = dup(descriptor);
+    if (!file.open() || before < 0 || dup2(file.handle(), descriptor) < 0) {
+        throw std::runtime_error("the output cannot be captured");
     }
     action();
-    std::fflush(stdout);
-    dup2(before, STDOUT_FILENO);
+    std::fflush(stream);
+    dup2(before, descriptor);
     close(before);
     file.seek(0);
     return file.readAll();
+}
+
+} // namespace
+
+QByteArray captureOutput(const std::function<void()> &action)
+{
+    return capture(STDOUT_FILENO, stdout, action);
+}
+
+QByteArray captureErrors(const std::function<void()> &action)
+{
+    return capture(STDERR_FILENO, stderr, action);
 }

@@ -8,3 +8,6 @@
 
 /// Runs the action and returns what it wrote to standard output, whichever way it wrote.
 QByteArray captureOutput(const std::function<void()> &action);
+
+/// The same for standard error.
+QByteArray captureErrors(const std::function<void()> &action);
