@@ -168,6 +168,8 @@ void tst_Handlers::failedCallsAreRecorded()
     movra.lastErrorText = QStringLiteral("older");
     captureOutput([&] { call(movra, handler, arguments); });
     QCOMPARE(movra.lastErrorText, lastError);
+    // Also where nobody waits: the next test must not meet this one's call.
+    QCOMPARE(service->waitForCalls(1).size(), 1);
 }
 
 void tst_Handlers::writesDoNotWait_data()
