@@ -27,7 +27,7 @@ bool Movra::connectToService(const std::string &service, const std::string &path
         return true;
     }
     std::printf("Client DBus Interface not valid, error: %s\n", recordLastError().constData());
-    // Without effect here, as the event loop has not started: main ends the run.
+    // Without effect where the event loop has not started, as in main, which ends the run itself.
     QCoreApplication::quit();
     return false;
 }

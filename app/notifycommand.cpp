@@ -87,6 +87,8 @@ int Movra::notifyLog(char **argv)
     return Success;
 }
 
+// The slots can be called through the meta-object before there is a proxy.
+
 void Movra::notifyConfigStart()
 {
     if (iface != nullptr) {

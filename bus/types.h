@@ -69,13 +69,13 @@ const QDBusArgument &read(const QDBusArgument &in, Container &elements)
 // Qt has generic operators of its own, but they fit std::vector with g++ only: these are found by
 // every compiler because they stand in the global namespace, beside QDBusArgument.
 
-/// Streams `ad`, `ai`, `au`, `ax` or `at`, by the element type.
+/// Streams an array, by the element type: `ad`, `ai`, `au`, `ax` or `at` for the registered ones.
 template <typename T> QDBusArgument &operator<<(QDBusArgument &out, const std::vector<T> &elements)
 {
     return busarray::write(out, elements);
 }
 
-/// Reads `ad`, `ai`, `au`, `ax` or `at`, by the element type.
+/// Reads an array, by the element type; the caller sees to it that the wire has that type.
 template <typename T>
 const QDBusArgument &operator>>(const QDBusArgument &in, std::vector<T> &elements)
 {

@@ -15,7 +15,7 @@ class Program
 {
 public:
     /// Starts the program. `arguments` begins with argument 1; `environment` holds NAME=value
-    /// entries and is the whole environment but for the options of the sanitizers.
+    /// entries and is the whole environment.
     Program(const QByteArray &file, const QByteArrayList &arguments,
             const QByteArrayList &environment);
     /// Kills the program if it still runs.
