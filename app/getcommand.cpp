@@ -2,24 +2,12 @@
 // GET: reads an item's value, its status, or both, and prints what came back.
 #include "app/commandline.h"
 #include "app/movra.h"
+#include "app/textline.h"
 #include "bus/proxies.h"
 
 #include <QDBusReply>
 
 #include <cstdio>
-#include <iostream>
-
-namespace
-{
-
-/// By its length: a byte of value 0 is a text of one character.
-void printLine(const QString &text)
-{
-    const QByteArray bytes = text.toLatin1();
-    std::cout.write(bytes.constData(), bytes.size()).put('\n');
-}
-
-} // namespace
 
 int Movra::getCommand(char **argv)
 {

@@ -2,19 +2,13 @@
 // LIST: prints one of the service's catalogues, an entry a line.
 #include "app/commandline.h"
 #include "app/movra.h"
+#include "app/textline.h"
 #include "bus/proxies.h"
 
 #include <QDBusReply>
 
-#include <iostream>
-
 namespace
 {
-
-void printLine(const QString &text)
-{
-    std::cout << text.toLatin1().constData() << std::endl;
-}
 
 /// Prints what a catalogue call answers. A failed call is neither printed nor recorded: it shows in
 /// the status alone, which no other command does.

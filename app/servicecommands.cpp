@@ -3,13 +3,13 @@
 // success.
 #include "app/commandline.h"
 #include "app/movra.h"
+#include "app/textline.h"
 #include "bus/proxies.h"
 
 #include <QDBusReply>
 
 #include <cstdio>
 #include <cstring>
-#include <iostream>
 
 namespace
 {
@@ -40,7 +40,7 @@ int Movra::actionCommand(char **argv)
     const QDBusReply<QString> reply =
         iface->DoAction(id, QString::fromLatin1(argv[SecondArgument]));
     if (reply.isValid()) {
-        std::cout << reply.value().toLatin1().constData() << std::endl;
+        printLine(reply.value());
     } else {
         reportFailedReply();
     }

@@ -26,16 +26,15 @@ CatalogText loadCatalog(const QString &fileName)
     if (fileName.isEmpty()) {
         return readCatalog(builtInCatalog());
     }
-    constexpr qint64 mostBytes = 16777216;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
         return { {}, file.errorString() };
     }
-    const QByteArray bytes = file.read(mostBytes + 1);
+    const QByteArray bytes = file.read(StateFiles::mostBytes + 1);
     if (file.error() != QFileDevice::NoError) {
         return { {}, file.errorString() };
     }
-    if (bytes.size() > mostBytes) {
+    if (bytes.size() > StateFiles::mostBytes) {
         return { {}, QStringLiteral("is larger than 16 MiB") };
     }
     return readCatalog(bytes);
