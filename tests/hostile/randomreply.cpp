@@ -3,10 +3,39 @@
 
 #include <QByteArrayList>
 
+#include <cstring>
+
 namespace
 {
 
-constexpr int deepest = 6;
+constexpr int deepest = 6; // levels, but for deep values
+
+// D-Bus allows arrays in arrays and structures in structures up to these levels, and 64 levels in
+// all; a few are left for what is around.
+constexpr int deepestArray = 31;
+constexpr int deepestStructure = 30;
+constexpr int deepestVariant = 60;
+
+/// A number that fits the type at its edge.
+QByteArray extreme(char code)
+{
+    switch (code) {
+    case 'y':
+        return "255";
+    case 'n':
+        return "-32768";
+    case 'q':
+        return "65535";
+    case 'i':
+        return "-2147483648";
+    case 'u':
+        return "4294967295";
+    case 'x':
+        return "-9223372036854775808";
+    default:
+        return "18446744073709551615";
+    }
+}
 
 /// The position behind the type that begins at `from`.
 int behind(const QByteArray &signature, int from)
@@ -20,6 +49,22 @@ int behind(const QByteArray &signature, int from)
         open += code == '(' || code == '{' ? 1 : code == ')' || code == '}' ? -1 : 0;
     } while (open > 0);
     return from;
+}
+
+/// Containers in containers, down to one byte.
+RandomReply deep(int arrays, int structures, int variants)
+{
+    RandomReply reply { "y", "7" };
+    for (int i = 0; i < structures; ++i) {
+        reply = { "(" + reply.signature + ")", "(" + reply.text + ",)" };
+    }
+    for (int i = 0; i < arrays; ++i) {
+        reply = { "a" + reply.signature, "[" + reply.text + "]" };
+    }
+    for (int i = 0; i < variants; ++i) {
+        reply = { "v", "<" + (i == 0 ? "@" + reply.signature + " " : "") + reply.text + ">" };
+    }
+    return reply;
 }
 
 } // namespace
@@ -75,12 +120,14 @@ QByteArray RandomReplies::text()
         "'\\u0001\\u001b[2J'",
         "':config:doubleARRAY:'",
     };
-    return pick(50) == 0 ? "'" + QByteArray(100000, 'x') + "'" : texts.at(pick(texts.size() - 1));
+    if (pick(50) == 0) {
+        return "'" + QByteArray(pick(9) == 0 ? 1000000 : 10000, 'x') + "'";
+    }
+    return texts.at(pick(texts.size() - 1));
 }
 
 QByteArray RandomReplies::value(const QByteArray &signature, int &from, int depth)
 {
-    static const QByteArrayList numbers { "0", "1", "7", "100" };
     static const QByteArrayList doubles { "0.0", "-1.5", "1e300", "inf", "nan", "1234567.0" };
     const char code = signature.at(from++);
     switch (code) {
@@ -97,6 +144,12 @@ QByteArray RandomReplies::value(const QByteArray &signature, int &from, int dept
     case 'h':
         return pick(9) == 0 ? "7" : "0";
     case 'v': {
+        if (depth == 1 && pick(30) == 0) {
+            const RandomReply inner = pick(2) == 0
+                ? deep(0, 0, pick(deepestVariant))
+                : deep(pick(deepestArray), pick(deepestStructure), 0);
+            return "<@" + inner.signature + " " + inner.text + ">";
+        }
         // What lies in a variant has a type of its own.
         const QByteArray inner = type(depth + 1);
         int position = 0;
@@ -105,8 +158,10 @@ QByteArray RandomReplies::value(const QByteArray &signature, int &from, int dept
     case 'a': {
         const int element = from;
         const bool isMap = signature.at(element) == '{';
+        // Long ones are flat, or they would multiply.
+        const bool isLong = std::strchr("av({", signature.at(element)) == nullptr && pick(30) == 0;
         QByteArrayList elements;
-        for (int count = pick(3); count > 0; --count) {
+        for (int count = isLong ? 1000 : pick(3); count > 0; --count) {
             from = element;
             elements.append(value(signature, from, depth + 1));
         }
@@ -129,7 +184,7 @@ QByteArray RandomReplies::value(const QByteArray &signature, int &from, int dept
         return "(" + members.join(", ") + (members.size() == 1 ? ",)" : ")");
     }
     default:
-        return numbers.at(pick(numbers.size() - 1));
+        return pick(2) == 0 ? extreme(code) : QByteArray::number(pick(127));
     }
 }
 
@@ -146,4 +201,20 @@ RandomReply RandomReplies::next(const QByteArray &usual)
     int from = 0;
     reply.text = "@" + tuple + " " + value(tuple, from, 0);
     return reply;
+}
+
+QByteArray RandomReplies::errorName()
+{
+    static const QByteArrayList names {
+        "varn.pim.Error.UnknownId",
+        "org.freedesktop.DBus.Error.ServiceUnknown",
+        "org.freedesktop.DBus.Error.NoReply",
+        "org.freedesktop.DBus.Error.Disconnected",
+        "org.freedesktop.DBus.Error.NoMemory",
+        "org.freedesktop.DBus.Error.InvalidSignature",
+        "com.trolltech.QtDBus.Error.InternalError",
+        "_.__",
+        "a." + QByteArray(253, 'b'),
+    };
+    return names.at(pick(names.size() - 1));
 }

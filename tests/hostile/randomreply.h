@@ -20,6 +20,8 @@ public:
     /// A body of up to three values. Now and then it begins with `usual`, so that not every lie is
     /// seen through by its signature.
     RandomReply next(const QByteArray &usual);
+    /// The name of an error, up to the 255 bytes that D-Bus allows.
+    QByteArray errorName();
 
 private:
     /// A number from 0 to `most`.

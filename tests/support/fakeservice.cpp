@@ -40,7 +40,7 @@ GVariant *parse(const QByteArray &text)
     GError *error = nullptr;
     GVariant *value = g_variant_parse(nullptr, text.constData(), nullptr, nullptr, &error);
     if (value == nullptr) {
-        fail(text.constData(), error);
+        fail(text.left(200).constData(), error);
     }
     return value;
 }
@@ -72,11 +72,13 @@ struct FakeService::Private {
     struct Answer {
         Manner manner = Manner::Answer;
         Value body;
-        QByteArray errorName;
-        QByteArray errorMessage;
+        QByteArray errorName; ///< of a refusal
+        int times = 1;
     };
 
     GDBusConnection *connection = nullptr;
+    QByteArray name;
+    guint nameFlags = 0;
     mutable std::mutex mutex;
     std::condition_variable arrived;
     QByteArrayList calls;
@@ -114,20 +116,20 @@ struct FakeService::Private {
         } else if (manner != Manner::Ignore
                    && (g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED)
                        == 0) {
-            GDBusMessage *reply = replyTo(call, answer);
-            g_dbus_connection_send_message(to, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,
-                                           nullptr);
-            g_object_unref(reply);
+            for (int i = answer != nullptr ? answer->times : 1; i > 0; --i) {
+                GDBusMessage *reply = replyTo(call, answer);
+                g_dbus_connection_send_message(to, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,
+                                               nullptr);
+                g_object_unref(reply);
+            }
         }
     }
 
     static GDBusMessage *replyTo(GDBusMessage *call, const Answer *answer)
     {
-        if (answer != nullptr && answer->manner == Manner::Refuse) {
-            return g_dbus_message_new_method_error_literal(call, answer->errorName.constData(),
-                                                           answer->errorMessage.constData());
-        }
-        GDBusMessage *reply = g_dbus_message_new_method_reply(call);
+        GDBusMessage *reply = answer != nullptr && answer->manner == Manner::Refuse
+            ? g_dbus_message_new_method_error_literal(call, answer->errorName.constData(), "")
+            : g_dbus_message_new_method_reply(call);
         if (answer != nullptr) {
             g_dbus_message_set_body(reply, answer->body.get());
             attachFiles(reply);
@@ -163,7 +165,7 @@ struct FakeService::Private {
     }
 };
 
-FakeService::FakeService(const QByteArray &name)
+FakeService::FakeService(const QByteArray &name, Ownership ownership)
     : d(std::make_unique<Private>())
 {
     GError *error = nullptr;
@@ -176,14 +178,13 @@ FakeService::FakeService(const QByteArray &name)
         fail("no bus for the fake service", error);
     }
     g_dbus_connection_add_filter(d->connection, &Private::filter, d.get(), nullptr);
+    constexpr guint allowReplacement = 1;
+    constexpr guint replaceExisting = 2;
     constexpr guint doNotQueue = 4;
-    const Value reply = d->callBus("org.freedesktop.DBus", "RequestName",
-                                   g_variant_new("(su)", name.constData(), doNotQueue));
-    guint outcome = 0;
-    g_variant_get(reply.get(), "(u)", &outcome);
-    if (outcome != 1) {
-        throw std::runtime_error("the name " + name.toStdString() + " is taken");
-    }
+    d->name = name;
+    d->nameFlags =
+        ownership == Ownership::Sole ? doNotQueue : allowReplacement | replaceExisting | doNotQueue;
+    takeName();
 }
 
 FakeService::~FakeService()
@@ -194,23 +195,49 @@ FakeService::~FakeService()
 
 void FakeService::answer(const QByteArray &member, const QByteArray &body)
 {
-    d->setAnswer(member, { Private::Manner::Answer, Value(parse(body)), {}, {} });
+    d->setAnswer(member, { Private::Manner::Answer, Value(parse(body)), {} });
+}
+
+void FakeService::answerTwice(const QByteArray &member, const QByteArray &body)
+{
+    d->setAnswer(member, { Private::Manner::Answer, Value(parse(body)), {}, 2 });
 }
 
 void FakeService::refuse(const QByteArray &member, const QByteArray &errorName,
                          const QByteArray &message)
 {
-    d->setAnswer(member, { Private::Manner::Refuse, nullptr, errorName, message });
+    d->setAnswer(member,
+                 { Private::Manner::Refuse,
+                   Value(g_variant_ref_sink(g_variant_new("(s)", message.constData()))),
+                   errorName });
+}
+
+void FakeService::refuseWith(const QByteArray &member, const QByteArray &errorName,
+                             const QByteArray &body)
+{
+    d->setAnswer(member, { Private::Manner::Refuse, Value(parse(body)), errorName });
 }
 
 void FakeService::ignore(const QByteArray &member)
 {
-    d->setAnswer(member, { Private::Manner::Ignore, nullptr, {}, {} });
+    d->setAnswer(member, { Private::Manner::Ignore, nullptr, {} });
 }
 
 void FakeService::leaveOn(const QByteArray &member)
 {
-    d->setAnswer(member, { Private::Manner::Leave, nullptr, {}, {} });
+    d->setAnswer(member, { Private::Manner::Leave, nullptr, {} });
+}
+
+void FakeService::takeName()
+{
+    const Value reply = d->callBus("org.freedesktop.DBus", "RequestName",
+                                   g_variant_new("(su)", d->name.constData(), d->nameFlags));
+    guint outcome = 0;
+    g_variant_get(reply.get(), "(u)", &outcome);
+    constexpr guint exists = 3;
+    if (outcome == exists) {
+        throw std::runtime_error("the name " + d->name.toStdString() + " is taken");
+    }
 }
 
 QByteArrayList FakeService::takeCalls()

@@ -11,8 +11,11 @@
 class FakeService
 {
 public:
-    /// Owns the name on the session bus; throws std::runtime_error if it cannot.
-    explicit FakeService(const QByteArray &name = "com.varn.tul");
+    enum class Ownership { Sole, Shared };
+    /// Owns the name on the session bus; throws std::runtime_error if it cannot. A name that is
+    /// shared goes to whoever took it last.
+    explicit FakeService(const QByteArray &name = "com.varn.tul",
+                         Ownership ownership = Ownership::Sole);
     ~FakeService();
     FakeService(const FakeService &) = delete;
     FakeService &operator=(const FakeService &) = delete;
@@ -21,12 +24,19 @@ public:
     /// `(<[uint32 1, 2]>,)`. A member that no test speaks of is answered with `()`, and the member
     /// "Echo" with what it was sent.
     void answer(const QByteArray &member, const QByteArray &body);
+    /// The same, but sends the reply twice.
+    void answerTwice(const QByteArray &member, const QByteArray &body);
     /// From now on answers calls of the member with an error.
     void refuse(const QByteArray &member, const QByteArray &errorName, const QByteArray &message);
+    /// The same with any body in GVariant text, where an honest error has one string.
+    void refuseWith(const QByteArray &member, const QByteArray &errorName, const QByteArray &body);
     /// From now on leaves calls of the member without an answer.
     void ignore(const QByteArray &member);
     /// Leaves the bus when the member is called, without an answer.
     void leaveOn(const QByteArray &member);
+
+    /// Takes a shared name back.
+    void takeName();
 
     /// The calls since the last time, in order of arrival, each as "member signature body": as in
     /// "DoAction ss ('a', 'b')". A path other than "/" or an interface other than "varn.pim" is put

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+// Every member of the proxy, those that no command calls included, against random replies:
+// MOVRA_HOSTILE_RUNS for each (200 unless set), from the seed MOVRA_HOSTILE_SEED (1 unless set).
+#include "app/messagefilter.h"
+#include "bus/proxies.h"
+#include "tests/hostile/randomreply.h"
+#include "tests/hostile/requests.h"
+#include "tests/support/capture.h"
+#include "tests/support/fakeservice.h"
+
+#include <QTest>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+struct Member {
+    const char *name;
+    const char *signature; ///< of the answer
+    std::function<bool(KorAppInterface &)> answered; ///< waits, reads the answer, says if it fits
+};
+
+template <typename Value> bool read(QDBusPendingReply<Value> reply)
+{
+    reply.waitForFinished();
+    // Reading is the attack: it runs the operators on whatever came.
+    (void)reply.value();
+    return reply.isValid();
+}
+
+bool read(QDBusPendingReply<> reply)
+{
+    reply.waitForFinished();
+    return reply.isValid();
+}
+
+const std::vector<Member> &members()
+{
+    using Proxy = KorAppInterface;
+    static const QString x = QStringLiteral("x");
+    static const QStringList xs { x, x };
+    static const QDBusVariant one { 1 };
+    // clang-format off
+    static const std::vector<Member> all {
+        { "AddToNotifyList", "", [](Proxy &p) { return read(p.AddToNotifyList(xs)); } },
+        { "AddToNotifyList", "", [](Proxy &p) { return read(p.AddToNotifyList(x)); } },
+        { "ClearConfigNotifyList", "", [](Proxy &p) { return read(p.ClearConfigNotifyList()); } },
+        { "ClearResultNotifyList", "", [](Proxy &p) { return read(p.ClearResultNotifyList()); } },
+        { "DbgLogCmd", "", [](Proxy &p) { return read(p.DbgLogCmd(x, x)); } },
+        { "DbgLogGetIds", "as", [](Proxy &p) { return read(p.DbgLogGetIds()); } },
+        { "DBusServerCmd", "", [](Proxy &p) { return read(p.DBusServerCmd(x, one)); } },
+        { "DBusServerStatus", "i", [](Proxy &p) { return read(p.DBusServerStatus()); } },
+        { "DeleteFromNotifyList", "", [](Proxy &p) { return read(p.DeleteFromNotifyList(xs)); } },
+        { "DeleteFromNotifyList", "", [](Proxy &p) { return read(p.DeleteFromNotifyList(x)); } },
+        { "DoAction", "s", [](Proxy &p) { return read(p.DoAction(x, x)); } },
+        { "DoAction", "", [](Proxy &p) { return read(p.DoAction(x)); } },
+        { "GetStatus", "ai", [](Proxy &p) { return read(p.GetStatus(xs)); } },
+        { "GetStatus", "i", [](Proxy &p) { return read(p.GetStatus(x)); } },
+        { "GetValue", "a(sv)", [](Proxy &p) { return read(p.GetValue(xs)); } },
+        { "GetValue", "v", [](Proxy &p) { return read(p.GetValue(x)); } },
+        { "GetValueStatus", "a(svi)", [](Proxy &p) { return read(p.GetValueStatus(xs)); } },
+        { "GetValueStatus", "(svi)", [](Proxy &p) { return read(p.GetValueStatus(x)); } },
+        { "ListActionIds", "as", [](Proxy &p) { return read(p.ListActionIds()); } },
+        { "ListConfigIds", "as", [](Proxy &p) { return read(p.ListConfigIds()); } },
+        { "ListResultIds", "as", [](Proxy &p) { return read(p.ListResultIds()); } },
+        { "LoadConfig", "b", [](Proxy &p) { return read(p.LoadConfig(x)); } },
+        { "LogClear", "", [](Proxy &p) { return read(p.LogClear(x)); } },
+        { "LogGetIds", "s", [](Proxy &p) { return read(p.LogGetIds()); } },
+        { "LogStartNotify", "", [](Proxy &p) { return read(p.LogStartNotify(x)); } },
+        { "LogStopNotify", "", [](Proxy &p) { return read(p.LogStopNotify(x)); } },
+        { "SaveConfig", "b", [](Proxy &p) { return read(p.SaveConfig(x)); } },
+        { "SetValue", "", [](Proxy &p) { return read(p.SetValue(QList<IdValueStruct>())); } },
+        { "SetValue", "", [](Proxy &p) { return read(p.SetValue(x, one)); } },
+        { "StartConfigNotify", "", [](Proxy &p) { return read(p.StartConfigNotify()); } },
+        { "StartResultNotify", "", [](Proxy &p) { return read(p.StartResultNotify()); } },
+        { "StopConfigNotify", "", [](Proxy &p) { return read(p.StopConfigNotify()); } },
+        { "StopResultNotify", "", [](Proxy &p) { return read(p.StopResultNotify()); } },
+    };
+    // clang-format on
+    return all;
+}
+
+} // namespace
+
+class tst_Members : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void randomReplies_data();
+    void randomReplies();
+
+private:
+    std::unique_ptr<FakeService> service;
+    std::unique_ptr<KorAppInterface> proxy;
+};
+
+void tst_Members::initTestCase()
+{
+    installMessageFilter();
+    registerBusTypes();
+    service = std::make_unique<FakeService>();
+    proxy = std::make_unique<KorAppInterface>(QStringLiteral("com.varn.tul"), QStringLiteral("/"),
+                                              QDBusConnection::sessionBus(), nullptr);
+    QVERIFY(proxy->isValid());
+}
+
+void tst_Members::randomReplies_data()
+{
+    QTest::addColumn<int>("index");
+    int index = 0;
+    for (const Member &member : members()) {
+        QTest::addRow("%s -> %s, %d", member.name, member.signature, index) << index;
+        ++index;
+    }
+}
+
+void tst_Members::randomReplies()
+{
+    QFETCH(int, index);
+    const Member &member = members().at(static_cast<std::size_t>(index));
+    RandomReplies replies(static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1)));
+    for (int run = setting("MOVRA_HOSTILE_RUNS", 200); run > 0; --run) {
+        const RandomReply reply = replies.next(member.signature);
+        service->answer(member.name, reply.text);
+        bool answered = false;
+        const QByteArray complaints = captureErrors([&] { answered = member.answered(*proxy); });
+        const QByteArray about = reply.text.left(2000) + " -> " + complaints;
+        QVERIFY2(answered == reply.signature.startsWith(member.signature), about.constData());
+        QVERIFY2(complaints.isEmpty(), about.constData());
+    }
+    service->takeCalls();
+}
+
+QTEST_GUILESS_MAIN(tst_Members)
+#include "tst_members.moc"

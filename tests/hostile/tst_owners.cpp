@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// A name that changes hands before, while and after its owner is asked.
+#include "app/messagefilter.h"
+#include "tests/hostile/requests.h"
+#include "tests/support/fakeservice.h"
+#include "tests/support/movrarun.h"
+
+#include <QTest>
+
+#include <atomic>
+#include <csignal>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+/// Two services that take the name from each other as fast as they can.
+class Rivals
+{
+public:
+    Rivals()
+        : quarrel([this] {
+            while (!over) {
+                first.takeName();
+                second.takeName();
+            }
+        })
+    {
+    }
+    ~Rivals() { settle(); }
+    Rivals(const Rivals &) = delete;
+    Rivals &operator=(const Rivals &) = delete;
+
+    /// Ends the quarrel: the second service keeps the name.
+    void settle()
+    {
+        over = true;
+        if (quarrel.joinable()) {
+            quarrel.join();
+        }
+    }
+
+    FakeService first { "com.varn.tul", FakeService::Ownership::Shared };
+    FakeService second { "com.varn.tul", FakeService::Ownership::Shared };
+
+private:
+    std::atomic<bool> over { false };
+    std::thread quarrel;
+};
+
+} // namespace
+
+class tst_Owners : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requestsDuringAQuarrel();
+    void monitorsStartedDuringAQuarrel();
+};
+
+void tst_Owners::requestsDuringAQuarrel()
+{
+    installMessageFilter();
+    Rivals rivals;
+    for (FakeService *service : { &rivals.first, &rivals.second }) {
+        service->answer("DBusServerStatus", "(5,)");
+    }
+    OpenMovra movra;
+    QVERIFY(movra.connectToService("com.varn.tul", "/"));
+    const Request request { "", &Movra::serverStatCommand, {}, "", "", "", 0 };
+    for (int run = setting("MOVRA_HOSTILE_RUNS", 200); run > 0; --run) {
+        const Outcome outcome = make(request, movra);
+        QCOMPARE(outcome.out, QByteArray("5\n"));
+        QCOMPARE(outcome.err, QByteArray());
+        QCOMPARE(outcome.status, 0);
+    }
+}
+
+void tst_Owners::monitorsStartedDuringAQuarrel()
+{
+    Rivals rivals;
+    std::vector<std::unique_ptr<Program>> monitors;
+    for (int i = 0; i < 20; ++i) {
+        monitors.push_back(std::make_unique<Program>(
+            MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/", "SIG" }, busEnvironment()));
+    }
+    QTRY_COMPARE(rivals.first.matchRules("com.varn.tul").size(), 7 * 20);
+    rivals.settle();
+    // Whoever won is heard, and standard error has the one warning about the connection that is
+    // never made, not one about owners.
+    for (const auto &monitor : monitors) {
+        rivals.second.emitSignal("SigAlarm", "('from the winner',)");
+        rivals.first.emitSignal("SigAlarm", "('from the loser',)");
+        QVERIFY(monitor->waitForLines(1));
+        monitor->send(SIGTERM);
+        QVERIFY(monitor->waitForEnd());
+        QVERIFY(!monitor->out.contains("loser"));
+        QVERIFY2(monitor->err.count('\n') == 1, monitor->err.constData());
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_Owners)
+#include "tst_owners.moc"

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// The monitor against signals of random members, types and values: MOVRA_HOSTILE_RUNS for each
+// member (200 unless set), from the seed MOVRA_HOSTILE_SEED (1 unless set).
+#include "app/messagefilter.h"
+#include "bus/proxies.h"
+#include "tests/hostile/randomreply.h"
+#include "tests/hostile/requests.h"
+#include "tests/support/capture.h"
+#include "tests/support/fakeservice.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+namespace
+{
+
+struct HonestSignal {
+    const char *member;
+    const char *signature;
+    const char *line; ///< how a line about it begins
+};
+
+constexpr HonestSignal honestSignals[] = {
+    { "SigAlarm", "s", "===Client alarmSlot  msg=" },
+    { "SigDBusServerClosing", "s", "===Client sigDBusServerClosingSlot  msg=" },
+    { "SigError", "s", "===Client sigErrorSlot  msg=" },
+    { "SigInfo", "s", "===Client sigInfoSlot  msg=" },
+    { "SigTestComplete", "s", "===Client sigTestCompleteSlot  msg=" },
+    { "SigUpdate", "s", "===Client sigUpdateSlot  msg=" },
+    { "SigTestCompleteWithData", "sad", "sigTestCompleteWithDataSlot double msg=" },
+    { "SigTestCompleteWithData", "sau", "sigTestCompleteWithDataSlot uint32_t msg=" },
+};
+
+/// How the line about a signal begins; empty for one that is not printed: the types must fit to the
+/// last one, unlike those of replies.
+QByteArray lineBegin(const QByteArray &member, const QByteArray &signature)
+{
+    for (const HonestSignal &signal : honestSignals) {
+        if (member == signal.member && signature == signal.signature) {
+            return signal.line;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+class tst_Signals : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void randomSignals_data();
+    void randomSignals();
+
+private:
+    /// What the monitor prints about the signals that the action emits.
+    QByteArray heard(const std::function<void()> &emitAll);
+
+    std::unique_ptr<FakeService> service;
+    std::unique_ptr<OpenMovra> movra;
+};
+
+void tst_Signals::initTestCase()
+{
+    installMessageFilter();
+    service = std::make_unique<FakeService>();
+    movra = std::make_unique<OpenMovra>();
+    QVERIFY(movra->connectToService("com.varn.tul", "/"));
+    char *argv[] = { nullptr, nullptr };
+    (void)captureErrors([&] { QCOMPARE(movra->sigCommand(argv), 0); });
+    // Those that Qt D-Bus holds back until the event loop runs may be overtaken.
+    (void)heard([] {});
+}
+
+QByteArray tst_Signals::heard(const std::function<void()> &emitAll)
+{
+    QSignalSpy marker(movra->iface, SIGNAL(SigUpdate(QString)));
+    const QByteArray printed = captureOutput([&] {
+        emitAll();
+        service->emitSignal("SigUpdate", "('marker',)");
+        QTRY_VERIFY(!marker.isEmpty() && marker.last().first() == QStringLiteral("marker"));
+    });
+    const QByteArray line = "===Client sigUpdateSlot  msg=marker\n";
+    return printed.endsWith(line) ? printed.chopped(line.size()) : "(no marker) " + printed;
+}
+
+void tst_Signals::randomSignals_data()
+{
+    QTest::addColumn<QByteArray>("member");
+    QTest::addColumn<QByteArray>("usual");
+    for (const HonestSignal &signal : honestSignals) {
+        QTest::addRow("%s %s", signal.member, signal.signature)
+            << QByteArray(signal.member) << QByteArray(signal.signature);
+    }
+    QTest::newRow("one that nobody listens to")
+        << QByteArray("SigLogNotification") << QByteArray("as");
+}
+
+void tst_Signals::randomSignals()
+{
+    QFETCH(QByteArray, member);
+    QFETCH(QByteArray, usual);
+    RandomReplies bodies(static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1)));
+    for (int run = setting("MOVRA_HOSTILE_RUNS", 200); run > 0; --run) {
+        const RandomReply body = bodies.next(usual);
+        QByteArray printed;
+        const QByteArray complaints = captureErrors(
+            [&] { printed = heard([&] { service->emitSignal(member, body.text); }); });
+        const QByteArray about = body.text.left(2000) + " -> " + printed.left(2000) + complaints;
+        const QByteArray line = lineBegin(member, body.signature);
+        QVERIFY2(printed.isEmpty() == line.isEmpty(), about.constData());
+        QVERIFY2(line.isEmpty() || (printed.startsWith(line) && printed.endsWith('\n')),
+                 about.constData());
+        QVERIFY2(complaints.isEmpty(), about.constData());
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_Signals)
+#include "tst_signals.moc"
