@@ -1,0 +1,174 @@
+# SPDX-License-Identifier: MIT
+"""What is typed, and what shall become of it."""
+
+SERVICES = [
+    ("com.varn.tul",),
+    ("com.varn.hostile", "--path", "/com/varn/pim", "--catalog", "HERE/hostile.json"),
+    ("com.varn.silent",),
+]
+
+FILES = ["evening.json", "evening two.json"]
+
+CONFIGS = [
+    ":config:data:balance:int64ARRAY:",
+    ":config:data:ftp:budget:",
+    ":config:data:ftp:limit:",
+    ":config:data:ftp:passive:",
+    ":config:data:ftp:port:",
+    ":config:data:ftp:retries:",
+    ":config:data:ftp:userName:",
+    ":config:data:ifnames:",
+    ":config:data:ifnames:stringARRAY:",
+    ":config:data:offset:int32ARRAY:",
+    ":config:data:quota:uint64ARRAY:",
+    ":config:data:threshold:uint32ARRAY:",
+    ":config:voip:delay:doubleARRAY:",
+    ":config:voip:gain:floatARRAY:",
+    ":config:voip:jitter:",
+    ":config:xdsl:line:profile:",
+]
+ARRAYS = [
+    ":config:data:balance:int64ARRAY:",
+    ":config:data:ifnames:stringARRAY:",
+    ":config:data:offset:int32ARRAY:",
+    ":config:data:quota:uint64ARRAY:",
+    ":config:data:threshold:uint32ARRAY:",
+    ":config:voip:delay:doubleARRAY:",
+    ":config:voip:gain:floatARRAY:",
+]
+RESULTS = [
+    ":result:data:ftp:bytes:0:",
+    ":result:data:ftp:percentTransfered:0:",
+    ":result:data:ftp:server:",
+    ":result:voip:call:active:",
+    ":result:voip:call:loss:",
+    ":result:xdsl:line:margin:doubleARRAY:",
+    ":result:xdsl:line:rate:0:",
+]
+ACTIONS = [
+    ":action:data:ftp:download:",
+    ":action:data:ftp:ping:",
+    ":action:data:threshold:scan:",
+    ":action:voip:delay:measure:",
+    ":action:xdsl:line:drop:",
+]
+LOGS = ["LOG_DATA", "LOG_VOIP", "LOG_XDSL"]
+
+TUL = "movra com.varn.tul / "
+HOSTILE = "movra com.varn.hostile /com/varn/pim "
+
+# Name, line, all candidates for its last word.
+CANDIDATES = [
+    ("services", "movra ", ["com.varn.hostile", "com.varn.silent", "com.varn.tul"]),
+    ("commands", TUL,
+     ["DBG", "SIG", "NOTIFY", "SET", "SETARRAY", "GET", "LIST", "FILE", "ACTION", "SERVERSTAT",
+      "SERVERCMD"]),
+    ("commands that begin alike", TUL + "SE", ["SET", "SETARRAY", "SERVERSTAT", "SERVERCMD"]),
+    ("GET", TUL + "GET ",
+     ["STATUS", "VALUE", "VAL_STAT", "VAL_STAT_SEVER"] + CONFIGS + RESULTS),
+    ("GET, words only", TUL + "GET VAL", ["VALUE", "VAL_STAT", "VAL_STAT_SEVER"]),
+    ("GET STATUS", TUL + "GET STATUS ", CONFIGS + RESULTS),
+    ("GET VALUE", TUL + "GET VALUE ", CONFIGS + RESULTS),
+    ("GET VAL_STAT", TUL + "GET VAL_STAT ", CONFIGS + RESULTS),
+    ("GET VAL_STAT_SEVER", TUL + "GET VAL_STAT_SEVER ", CONFIGS + RESULTS),
+    ("SET", TUL + "SET ", CONFIGS),
+    ("SETARRAY: ids with a kind", TUL + "SETARRAY ", ARRAYS),
+    ("a beginning with colons", TUL + "GET :config:data:f",
+     [":config:data:ftp:budget:", ":config:data:ftp:limit:", ":config:data:ftp:passive:",
+      ":config:data:ftp:port:", ":config:data:ftp:retries:", ":config:data:ftp:userName:"]),
+    ("a beginning that ends in a colon", TUL + "SET :config:voip:",
+     [":config:voip:delay:doubleARRAY:", ":config:voip:gain:floatARRAY:", ":config:voip:jitter:"]),
+    ("one colon", TUL + "ACTION :", ACTIONS),
+    ("ACTION", TUL + "ACTION ", ACTIONS),
+    ("no ids with control characters", HOSTILE + "ACTION ", [":action:harmless:"]),
+    ("LIST", TUL + "LIST ", ["CONFIGS", "RESULTS", "ACTIONS", "LOGS"]),
+    ("FILE", TUL + "FILE ", ["SAVE", "LOAD"]),
+    ("NOTIFY", TUL + "NOTIFY ", ["CONFIG", "RESULT"]),
+    ("NOTIFY CONFIG", TUL + "NOTIFY CONFIG ", ["START", "STOP", "CLEAR", "ADD", "DEL"]),
+    ("NOTIFY RESULT", TUL + "NOTIFY RESULT ", ["START", "STOP", "CLEAR", "ADD", "DEL"]),
+    ("NOTIFY CONFIG ADD", TUL + "NOTIFY CONFIG ADD ", CONFIGS),
+    ("NOTIFY CONFIG DEL", TUL + "NOTIFY CONFIG DEL ", CONFIGS),
+    ("NOTIFY RESULT ADD", TUL + "NOTIFY RESULT ADD ", RESULTS),
+    ("NOTIFY RESULT DEL", TUL + "NOTIFY RESULT DEL ", RESULTS),
+    ("DBG", TUL + "DBG ",
+     ["SET", "SET_ALL", "SET_REPORTING_LEVEL", "SAVE_TO", "SAVE_STOP", "GET_IDS"]),
+    ("DBG SET", TUL + "DBG SET ", LOGS),
+    ("DBG SET_ALL", TUL + "DBG SET_ALL ", LOGS),
+    ("DBG SET_REPORTING_LEVEL", TUL + "DBG SET_REPORTING_LEVEL ",
+     ["ERROR", "INFO", "DEBUG", "DEBUG1", "DEBUG2", "DEBUG3", "DEBUG4"]),
+    ("SERVERCMD", TUL + "SERVERCMD ", ["SET_RES_NOTIFY_TIMER", "SET_CFG_NOTIFY_TIMER"]),
+]
+
+# Name, line, the line after a Tab.
+LINES = [
+    ("a service", "movra com.varn.t", "movra com.varn.tul "),
+    ("the path /", "movra com.varn.tul ", TUL),
+    ("a path further down", "movra com.varn.hostile ", HOSTILE),
+    ("the path of a service that is not there", "movra com.varn.nobody ", "movra com.varn.nobody / "),
+    ("a path that cannot be one", "movra com.varn.tul --", "movra com.varn.tul --"),
+    ("a command", TUL + "NO", TUL + "NOTIFY "),
+    ("what all ids have in common", TUL + "SET :config:data:f", TUL + "SET :config:data:ftp:"),
+    ("the only id", TUL + "SET :config:data:ftp:u", TUL + "SET :config:data:ftp:userName: "),
+    ("the only id, from its first letter", TUL + "NOTIFY RESULT ADD :result:xdsl:line:r",
+     TUL + "NOTIFY RESULT ADD :result:xdsl:line:rate:0: "),
+    ("an id between quotes", TUL + "SET ':config:data:ftp:u",
+     TUL + "SET ':config:data:ftp:userName:' "),
+    ("quoted service and path", "movra 'com.varn.tul' \"/\" SET :config:data:ftp:u",
+     "movra 'com.varn.tul' \"/\" SET :config:data:ftp:userName: "),
+    ("the same with more blanks", "movra  com.varn.tul   / SET :config:data:ftp:u",
+     "movra  com.varn.tul   / SET :config:data:ftp:userName: "),
+    ("behind another command", "true; " + TUL + "SET :config:data:ftp:u",
+     "true; " + TUL + "SET :config:data:ftp:userName: "),
+    ("a file behind FILE SAVE", TUL + "FILE SAVE evening.", TUL + "FILE SAVE evening.json "),
+    ("a file behind FILE LOAD", TUL + "FILE LOAD evening.", TUL + "FILE LOAD evening.json "),
+    ("a file behind DBG SAVE_TO", TUL + "DBG SAVE_TO evening.", TUL + "DBG SAVE_TO evening.json "),
+]
+
+# Name, line, the words that movra gets after a Tab and Enter.
+HOSTILE_SET = ["com.varn.hostile", "/com/varn/pim", "SET"]
+WORDS = [
+    ("an id with a command substitution", HOSTILE + "SET :config:d",
+     HOSTILE_SET + [":config:dollar:$(touch pwned)${HOME}:"]),
+    ("an id with grave accents", HOSTILE + "SET :config:g",
+     HOSTILE_SET + [":config:grave:`touch pwned`:"]),
+    ("an id with a blank", HOSTILE + "SET :config:b", HOSTILE_SET + [":config:blank:two words:"]),
+    ("an id with a blank, between quotes", HOSTILE + "SET ':config:b",
+     HOSTILE_SET + [":config:blank:two words:"]),
+    ("an id with a blank, typed half", HOSTILE + "SET :config:blank:two\\ w", HOSTILE_SET + [":config:blank:two words:"]),
+    ("an id with every sign", HOSTILE + "SET :config:s",
+     HOSTILE_SET + [":config:signs:'\"\\;&|<>*?[]{}()~#!%^=@,:"]),
+    ("an id beyond ASCII", HOSTILE + "SET :config:u", HOSTILE_SET + [":config:umlaut:ü:"]),
+    ("a file with a blank", TUL + "FILE LOAD evening\\ ",
+     ["com.varn.tul", "/", "FILE", "LOAD", "evening two.json"]),
+]
+
+# fish leaves the quote open behind a colon.
+LEFT_OUT = {"fish": ["an id with a blank, between quotes"]}
+
+# Name, a line that a Tab leaves alone.
+SILENT = [
+    ("no unique names", "movra :"),
+    ("not the bus itself", "movra org"),
+    ("no unknown command", TUL + "X"),
+    ("GET ALL is refused", TUL + "GET AL"),
+    ("NOTIFY LOG is refused", TUL + "NOTIFY LO"),
+    ("nothing behind SIG", TUL + "SIG "),
+    ("nothing behind SERVERSTAT", TUL + "SERVERSTAT "),
+    ("nothing behind the id of GET", TUL + "GET :config:data:ftp:port: "),
+    ("nothing behind GET and its word and id", TUL + "GET VALUE :config:data:ftp:port: "),
+    ("nothing behind NOTIFY CONFIG START", TUL + "NOTIFY CONFIG START "),
+    ("nothing behind LIST CONFIGS", TUL + "LIST CONFIGS "),
+    ("no file as a value", TUL + "SET :config:data:ftp:userName: even"),
+    ("nothing behind DBG GET_IDS", TUL + "DBG GET_IDS "),
+    ("nothing behind a timer's word", TUL + "SERVERCMD SET_RES_NOTIFY_TIMER "),
+    ("nothing for an unknown word", TUL + "NOSUCH "),
+    ("a service that nobody owns", "movra com.varn.nobody / SET :config:"),
+    ("a service that could be started", "movra com.varn.asleep / SET :config:"),
+    ("a service that does not answer", "movra com.varn.silent / GET :config:"),
+    ("a service name that runs something", "movra '$(touch pwned)' / SET :config:"),
+    ("a path that is a switch", "movra com.varn.tul --bus=unixexec:path=touch,argv1=pwned SET :config:"),
+    ("a path that does not exist", "movra com.varn.tul /no/such SET :config:"),
+    ("an id with an escape sequence", HOSTILE + "SET :config:e"),
+    ("an id of several lines", HOSTILE + "SET :config:l"),
+    ("an id with a tab", HOSTILE + "SET :config:t"),
+]
