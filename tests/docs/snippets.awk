@@ -72,7 +72,8 @@ fence != "" { fenceLine($0); next }
 
 manual && inside && /^\.(EE|fi)$/ { inside = 0 }
 manual && inside {
-    gsub(/\\&/, "")
+    gsub(/\\&|\\f[BIR]/, "")
+    gsub(/\\ /, " ")
     gsub(/\\-/, "-")
     gsub(/\\\(aq/, "'")
     gsub(/\\\(dq/, "\"")
