@@ -1,0 +1,35 @@
+# What is installed where. Two components, which are also the two Debian packages: movra, and
+# movra-sim with all that belongs to the simulated service.
+
+foreach(program IN ITEMS movra movra-sim)
+  set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME ${program})
+  configure_file(man/${program}.1.in man/${program}.1 @ONLY)
+  install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${PROJECT_BINARY_DIR}/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES LICENSE
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${program}
+    RENAME copyright)
+endforeach()
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra)
+install(FILES completions/movra.bash
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+  RENAME movra)
+install(FILES completions/_movra DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+install(FILES completions/movra.fish
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+install(FILES bus/varn.pim.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
+file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
+install(FILES README.md CHANGELOG.md ${documents}
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra-sim)
+install(FILES sim/catalog.json sim/catalog.schema.json
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
+
+unset(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME)
+
+add_custom_target(uninstall
+  COMMAND ${CMAKE_COMMAND} -D MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+    -P ${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake
+  VERBATIM)

@@ -1,0 +1,24 @@
+# Removes what the last `cmake --install` of a build directory installed:
+#   cmake -D MANIFEST=<build directory>/install_manifest.txt -P Uninstall.cmake
+# DESTDIR counts as it did then. Of the directories only movra's own go, and only if they are empty.
+
+if(NOT EXISTS "${MANIFEST}")
+  message(FATAL_ERROR "Nothing was installed from here: there is no ${MANIFEST}")
+endif()
+
+file(STRINGS "${MANIFEST}" installed ENCODING UTF-8)
+foreach(file IN LISTS installed)
+  set(file "$ENV{DESTDIR}${file}")
+  if(EXISTS "${file}" OR IS_SYMLINK "${file}")
+    message(STATUS "Removing ${file}")
+    file(REMOVE "${file}")
+  else()
+    message(STATUS "Not there: ${file}")
+  endif()
+  cmake_path(GET file PARENT_PATH directory)
+  cmake_path(GET directory FILENAME name)
+  file(GLOB rest "${directory}/*")
+  if(name MATCHES "^movra(-sim)?$" AND NOT rest)
+    file(REMOVE_RECURSE "${directory}")
+  endif()
+endforeach()

@@ -1,0 +1,40 @@
+# Sourced by the scripts beside it: SCRIPT BUILD_DIRECTORY VERSION
+set -eu
+# shellcheck disable=SC2034 # used where this is sourced
+build=$1 version=$2
+source=$(cd "$(dirname "$0")/../.." && pwd)
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+trap 'exit 1' HUP INT TERM
+
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+# need TOOL...: skips the test if one is missing.
+need() {
+    for tool; do
+        command -v "$tool" >/dev/null || {
+            echo "Skipped: $tool is missing; scripts/install-packages ci installs it."
+            exit 77
+        }
+    done
+}
+
+# same WHAT WANTED GOT
+same() {
+    [ "$2" = "$3" ] || fail "$1 should have been:
+$2
+but is:
+$3"
+}
+
+# answers DIRECTORY: the programs in that directory, and no others, talk to each other.
+answers() {
+    same "The version of movra-sim" "movra-sim $version" "$("$1/movra-sim" --version)"
+    same "The answer of the simulated service" pordo_user "$(
+        PATH=$1:$PATH "$source/scripts/with-service" \
+            "$1/movra" com.varn.tul / GET :config:data:ftp:userName:
+    )"
+}
