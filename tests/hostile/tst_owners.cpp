@@ -16,6 +16,13 @@
 namespace
 {
 
+struct Rival : FakeService {
+    Rival()
+        : FakeService("com.varn.tul", qgetenv("DBUS_SESSION_BUS_ADDRESS"), Ownership::Shared)
+    {
+    }
+};
+
 /// Two services that take the name from each other as fast as they can.
 class Rivals
 {
@@ -42,8 +49,8 @@ public:
         }
     }
 
-    FakeService first { "com.varn.tul", FakeService::Ownership::Shared };
-    FakeService second { "com.varn.tul", FakeService::Ownership::Shared };
+    Rival first;
+    Rival second;
 
 private:
     std::atomic<bool> over { false };

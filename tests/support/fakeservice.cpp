@@ -83,6 +83,7 @@ struct FakeService::Private {
     std::condition_variable arrived;
     QByteArrayList calls;
     std::map<QByteArray, Answer> answers;
+    bool leavesAfterAnswer = false;
 
     void setAnswer(const QByteArray &member, Answer answer)
     {
@@ -122,7 +123,15 @@ struct FakeService::Private {
                                                nullptr);
                 g_object_unref(reply);
             }
+            if (leavesAfterAnswer) {
+                g_dbus_connection_flush(to, nullptr, &Private::close, nullptr);
+            }
         }
+    }
+
+    static void close(GObject *connection, GAsyncResult * /*flushed*/, gpointer /*self*/)
+    {
+        g_dbus_connection_close(G_DBUS_CONNECTION(connection), nullptr, nullptr, nullptr);
     }
 
     static GDBusMessage *replyTo(GDBusMessage *call, const Answer *answer)
@@ -165,12 +174,12 @@ struct FakeService::Private {
     }
 };
 
-FakeService::FakeService(const QByteArray &name, Ownership ownership)
+FakeService::FakeService(const QByteArray &name, const QByteArray &bus, Ownership ownership)
     : d(std::make_unique<Private>())
 {
     GError *error = nullptr;
     d->connection = g_dbus_connection_new_for_address_sync(
-        qgetenv("DBUS_SESSION_BUS_ADDRESS").constData(),
+        bus.constData(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
                                           | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
         nullptr, nullptr, &error);
@@ -238,6 +247,12 @@ void FakeService::takeName()
     if (outcome == exists) {
         throw std::runtime_error("the name " + d->name.toStdString() + " is taken");
     }
+}
+
+void FakeService::leaveAfterAnswer()
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->leavesAfterAnswer = true;
 }
 
 QByteArrayList FakeService::takeCalls()

@@ -12,9 +12,10 @@ class FakeService
 {
 public:
     enum class Ownership { Sole, Shared };
-    /// Owns the name on the session bus; throws std::runtime_error if it cannot. A name that is
-    /// shared goes to whoever took it last.
+    /// Owns the name on the session bus, or on the one at the address; throws std::runtime_error
+    /// if it cannot. A name that is shared goes to whoever took it last.
     explicit FakeService(const QByteArray &name = "com.varn.tul",
+                         const QByteArray &bus = qgetenv("DBUS_SESSION_BUS_ADDRESS"),
                          Ownership ownership = Ownership::Sole);
     ~FakeService();
     FakeService(const FakeService &) = delete;
@@ -34,6 +35,8 @@ public:
     void ignore(const QByteArray &member);
     /// Leaves the bus when the member is called, without an answer.
     void leaveOn(const QByteArray &member);
+    /// Leaves the bus right after the next answer.
+    void leaveAfterAnswer();
 
     /// Takes a shared name back.
     void takeName();

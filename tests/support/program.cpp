@@ -49,7 +49,7 @@ void drain(int &pipe, QByteArray &to)
 } // namespace
 
 Program::Program(const QByteArray &file, const QByteArrayList &arguments,
-                 const QByteArrayList &environment)
+                 const QByteArrayList &environment, Output output)
 {
     QByteArrayList words { file };
     words += arguments;
@@ -66,7 +66,16 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, outEnds[1], STDOUT_FILENO);
+    if (output == Output::Closed) {
+        posix_spawn_file_actions_addclose(&actions, STDOUT_FILENO);
+    } else if (output == Output::Full) {
+        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/full", O_WRONLY, 0);
+    } else {
+        posix_spawn_file_actions_adddup2(&actions, outEnds[1], STDOUT_FILENO);
+    }
+    if (output == Output::LeftPipe) {
+        leaveOutput();
+    }
     posix_spawn_file_actions_adddup2(&actions, errEnds[1], STDERR_FILENO);
     // The test's own libraries ignore SIGPIPE; the program must not inherit that.
     posix_spawnattr_t attributes;
@@ -76,8 +85,8 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
     posix_spawnattr_setsigdefault(&attributes, &all);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     started = Clock::now();
-    const int failure = posix_spawn(&pid, file.constData(), &actions, &attributes,
-                                    vectorOf(words).data(), vectorOf(variables).data());
+    const int failure = posix_spawnp(&pid, file.constData(), &actions, &attributes,
+                                     vectorOf(words).data(), vectorOf(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     close(outEnds[1]);
@@ -125,6 +134,13 @@ void Program::send(int signal)
     kill(pid, signal);
 }
 
+bool Program::runs() const
+{
+    siginfo_t end {};
+    return waitid(P_PID, static_cast<id_t>(pid), &end, WEXITED | WNOHANG | WNOWAIT) == 0
+        && end.si_pid == 0;
+}
+
 void Program::leaveOutput()
 {
     close(outPipe);
@@ -158,9 +174,9 @@ void Program::forgetOutput()
     lines = 0;
 }
 
-bool Program::waitForEnd()
+bool Program::waitForEnd(std::chrono::seconds limit)
 {
-    const auto deadline = Clock::now() + patience;
+    const auto deadline = Clock::now() + limit;
     bool inTime = true;
     while (inTime && (outPipe >= 0 || errPipe >= 0)) {
         inTime = readSome(deadline);

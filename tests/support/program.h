@@ -14,10 +14,14 @@
 class Program
 {
 public:
-    /// Starts the program. `arguments` begins with argument 1; `environment` holds NAME=value
-    /// entries and is the whole environment.
+    /// What standard output is: read by the test; a pipe that nobody reads; a device that is full;
+    /// nothing at all.
+    enum class Output { Read, LeftPipe, Full, Closed };
+
+    /// Starts the program, found on the PATH unless it is named with a slash. `arguments` begins
+    /// with argument 1; `environment` holds NAME=value entries and is the whole environment.
     Program(const QByteArray &file, const QByteArrayList &arguments,
-            const QByteArrayList &environment);
+            const QByteArrayList &environment, Output output = Output::Read);
     /// Kills the program if it still runs.
     ~Program();
     Program(const Program &) = delete;
@@ -34,8 +38,10 @@ public:
     void send(int signal);
     /// Leaves standard output unread from now on, as a reader that went away.
     void leaveOutput();
-    /// Reads until the program has ended; false, and the program is killed, if 30 s pass before.
-    bool waitForEnd();
+    /// Reads until the program has ended; false, and the program is killed, if it takes longer.
+    bool waitForEnd(std::chrono::seconds limit = std::chrono::seconds(30));
+    /// Whether the program has not ended yet.
+    bool runs() const;
 
     QByteArray out; ///< standard output so far
     QByteArray err; ///< standard error so far

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Every command form, with what it prints when its call succeeds and when it fails: one axis of the
+// failure tests.
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <vector>
+
+/// A request as it is typed behind service and path, and what may come of it.
+struct CommandForm {
+    const char *name;
+    QByteArrayList words;
+    const char *member; ///< that is called
+    QByteArray call; ///< what reaches the service
+    QByteArray answer; ///< of the service, in GVariant text
+    QByteArray out; ///< printed upon that answer; the status is 0
+    QByteArray failed; ///< printed upon a failed call
+    int failedStatus;
+    bool waits; ///< for its reply; the others end the same whatever becomes of the call
+};
+
+/// All but SIG, which calls nothing.
+const std::vector<CommandForm> &commandForms();
+
+/// One form of each command that waits.
+std::vector<CommandForm> waitingCommands();
+
+/// One form of each command.
+std::vector<CommandForm> commands();
