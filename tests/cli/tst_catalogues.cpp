@@ -76,12 +76,6 @@ std::vector<MovraRow> listRows()
           answers("ListConfigIds", "()"), error("3"), { "ListConfigIds" }, 3 },
         { "LIST LOGS: a list is a failed call", { "@", "/", "LIST", "LOGS" },
           answers("LogGetIds", "(['a'],)"), error("3"), { "LogGetIds" }, 3 },
-        { "LIST: the service goes away instead of answering", { "@", "/", "LIST", "CONFIGS" },
-          leavesOn("ListConfigIds"), error("3"),
-          { "ListConfigIds" }, 3 },
-        { "LIST to nobody", { ":1.999999", "/", "LIST", "CONFIGS" }, {}, error("3"), {}, 3 },
-        { "LIST on an empty path prints no reason", { "@", "", "LIST", "LOGS" }, {}, error("3"),
-          {}, 3 },
     };
 }
 
@@ -125,12 +119,6 @@ std::vector<MovraRow> fileRows()
           answers("SaveConfig", "(1,)"), failed, { "SaveConfig s ('a',)" }, 0 },
         { "FILE LOAD: an empty reply is a failed call", { "@", "/", "FILE", "LOAD", "a" },
           answers("LoadConfig", "()"), failed, { "LoadConfig s ('a',)" }, 0 },
-        { "FILE: the service goes away instead of answering", { "@", "/", "FILE", "LOAD", "a" },
-          leavesOn("LoadConfig"), failed,
-          { "LoadConfig s ('a',)" }, 0 },
-        { "FILE to nobody", { ":1.999999", "/", "FILE", "SAVE", "a" }, {}, failed, {}, 0 },
-        { "FILE on an empty path", { "@", "", "FILE", "LOAD", "a" }, {},
-          "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
     };
 }
 // clang-format on

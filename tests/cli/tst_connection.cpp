@@ -44,22 +44,6 @@ std::vector<MovraRow> rows()
         { "a failed connection comes before an unknown word", { "com.varn.nobody", "/", "nope" },
           {}, notValid(""), {}, 1 },
 
-        { "a unique name that nobody has passes, and the call fails",
-          { ":1.999999", "/", "SERVERSTAT" }, {}, "Reply Not Valid     err=\n", {}, 0 },
-        { "ACTION to nobody", { ":1.999999", "/", "ACTION", "x" }, {}, "Reply Not Valid     err=\n",
-          {}, 0 },
-        { "ACTION with a value to nobody", { ":1.999999", "/", "ACTION", "x", "y" }, {},
-          "Reply Not Valid     err=\n", {}, 0 },
-        { "SERVERCMD to nobody", { ":1.999999", "/", "SERVERCMD", "SET_CFG_NOTIFY_TIMER", "1" }, {},
-          "Reply Not Valid     err=\n", {}, 0 },
-        { "an empty path passes, and the proxy itself refuses the call", { "@", "", "SERVERSTAT" },
-          answerStatus, "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
-        { "ACTION on an empty path", { "@", "", "ACTION", "x" }, {},
-          "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
-        { "ACTION with a value on an empty path", { "@", "", "ACTION", "x", "y" }, {},
-          "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
-        { "SERVERCMD on an empty path", { "@", "", "SERVERCMD", "SET_CFG_NOTIFY_TIMER", "1" }, {},
-          "Reply Not Valid     err=Object path cannot be empty\n", {}, 0 },
         { "the path travels as typed", { "@", "/a/b_1", "SERVERSTAT" }, answerStatus, "5\n",
           { "/a/b_1 DBusServerStatus" }, 0 },
 
@@ -110,8 +94,6 @@ private Q_SLOTS:
         QFETCH(int, row);
         table.check(row);
     }
-    void noBus_data();
-    void noBus();
     void theHalfSecond_data();
     void theHalfSecond();
     void failedConnectionsDoNotWait_data();
@@ -120,28 +102,6 @@ private Q_SLOTS:
 private:
     MovraRows table { rows() };
 };
-
-void tst_Connection::noBus_data()
-{
-    QTest::addColumn<QByteArrayList>("environment");
-    QTest::newRow("no address") << QByteArrayList();
-    QTest::newRow("nobody listens")
-        << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent" };
-    QTest::newRow("no address at all in the text")
-        << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=garbage" };
-}
-
-void tst_Connection::noBus()
-{
-    QFETCH(QByteArrayList, environment);
-
-    Program program(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" },
-                    environment + baseEnvironment());
-    QVERIFY(program.waitForEnd());
-    QCOMPARE(program.out, notValid("Not connected to D-Bus server"));
-    QCOMPARE(program.err, QByteArray());
-    QCOMPARE(program.status, 1);
-}
 
 void tst_Connection::theHalfSecond_data()
 {

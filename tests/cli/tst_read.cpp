@@ -196,9 +196,6 @@ std::vector<MovraRow> forms()
         { "a record in pieces is a failed call", { "@", "/", "GET", "VAL_STAT", ":x:" },
           answers("GetValueStatus", "(':x:', <1>, 2)"), failed, { "GetValueStatus s (':x:',)" },
           0 },
-        { "nobody there", { ":1.999999", "/", "GET", ":x:" }, {}, failed, {}, 0 },
-        { "an empty path", { "@", "", "GET", "STATUS", ":x:" }, {},
-          "Reply Not Valid   err=Object path cannot be empty\n", {}, 0 },
 
         { "the id: e acute typed in UTF-8 travels as two characters",
           { "@", "/", "GET", "\xc3\xa9" }, text, "t\n", { "GetValue s ('Ã©',)" }, 0 },

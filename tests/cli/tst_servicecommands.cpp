@@ -48,15 +48,6 @@ std::vector<MovraRow> rows()
         { "SERVERSTAT: a reply with more behind the number passes", { "@", "/", "SERVERSTAT" },
           answers("DBusServerStatus", "(5, 'more', [1])"), "5\n", { "DBusServerStatus" }, 0 },
 
-        { "SERVERSTAT: the service goes away instead of answering", { "@", "/", "SERVERSTAT" },
-          leavesOn("DBusServerStatus"), failed,
-          { "DBusServerStatus" }, 0 },
-        { "SERVERSTAT: a path that the service does not export", { "@", "/nowhere", "SERVERSTAT" },
-          [](FakeService &service) {
-              service.refuse("DBusServerStatus", "org.freedesktop.DBus.Error.UnknownObject", "no");
-          },
-          failed, { "/nowhere DBusServerStatus" }, 0 },
-
         { "ACTION without a value prints nothing", { "@", "/", "ACTION", ":action:x:" }, {}, "",
           { "DoAction s (':action:x:',)" }, 0 },
         { "ACTION without a value drops what the reply holds", { "@", "/", "ACTION", ":a:" },
@@ -88,9 +79,6 @@ std::vector<MovraRow> rows()
         { "ACTION with a value: a reply with more behind the text passes",
           { "@", "/", "ACTION", ":a:", "now" }, answers("DoAction", "('x', 5)"), "x\n",
           { "DoAction ss (':a:', 'now')" }, 0 },
-        { "ACTION: the service goes away instead of answering", { "@", "/", "ACTION", ":a:" },
-          leavesOn("DoAction"), failed,
-          { "DoAction s (':a:',)" }, 0 },
         { "ACTION with an empty id", { "@", "/", "ACTION", "" }, {}, "", { "DoAction s ('',)" },
           0 },
         { "ACTION with an empty value", { "@", "/", "ACTION", ":a:", "" },

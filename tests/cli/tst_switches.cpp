@@ -89,8 +89,6 @@ std::vector<MovraRow> notifyRows()
           refuseAll, "", { "StartConfigNotify" }, 0 },
         { "a refusal of ADD is not learned", { "@", "/", "NOTIFY", "RESULT", "ADD", "x" },
           refuseAll, "", { "AddToNotifyList as (['x'],)" }, 0 },
-        { "START to nobody", { ":1.999999", "/", "NOTIFY", "CONFIG", "START" }, {}, "", {}, 0 },
-        { "ADD on an empty path", { "@", "", "NOTIFY", "CONFIG", "ADD", "x" }, {}, "", {}, 0 },
     };
 }
 
@@ -166,15 +164,6 @@ std::vector<MovraRow> dbgRows()
         { "one text instead of ids is a failed call", { "@", "/", "DBG", "GET_IDS" },
           answers("DbgLogGetIds", "('a',)"), idsFailed,
           { "DbgLogGetIds" }, 0 },
-        { "the service goes away instead of answering", { "@", "/", "DBG", "SET", "x" },
-          leavesOn("DbgLogCmd"), setFailed,
-          { "DbgLogCmd ss ('SET', 'x')" }, 0 },
-        { "a command to nobody", { ":1.999999", "/", "DBG", "SET", "x" }, {}, setFailed, {}, 0 },
-        { "ids from nobody", { ":1.999999", "/", "DBG", "GET_IDS" }, {}, idsFailed, {}, 0 },
-        { "a command on an empty path", { "@", "", "DBG", "SET", "x" }, {},
-          "DBG SET   ERROR     err=Object path cannot be empty\n", {}, 0 },
-        { "ids on an empty path", { "@", "", "DBG", "GET_IDS" }, {},
-          "DBG GET_IDS  ERROR  err=Object path cannot be empty\n", {}, 0 },
     };
 }
 // clang-format on

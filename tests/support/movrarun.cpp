@@ -30,10 +30,9 @@ QByteArrayList baseEnvironment()
     return variables;
 }
 
-QByteArrayList busEnvironment()
+QByteArrayList busEnvironment(const QByteArray &bus)
 {
-    return baseEnvironment()
-        + QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=" + qgetenv("DBUS_SESSION_BUS_ADDRESS") };
+    return baseEnvironment() + QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=" + bus };
 }
 
 Prepare answers(const char *member, const QByteArray &body)
@@ -46,11 +45,6 @@ Prepare refuses(const char *member)
     return [=](FakeService &service) {
         service.refuse(member, "varn.pim.Error.Refused", "the reply's own text is never shown");
     };
-}
-
-Prepare leavesOn(const char *member)
-{
-    return [=](FakeService &service) { service.leaveOn(member); };
 }
 
 QByteArray error(const char *status)
@@ -78,7 +72,7 @@ void MovraRows::addTestData() const
 {
     QTest::addColumn<int>("row");
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        QTest::newRow(rows[i].name) << static_cast<int>(i);
+        QTest::newRow(rows[i].name.constData()) << static_cast<int>(i);
     }
 }
 

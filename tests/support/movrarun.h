@@ -18,8 +18,8 @@
 /// sanitizers read.
 QByteArrayList baseEnvironment();
 
-/// The same, and the private bus.
-QByteArrayList busEnvironment();
+/// The same, and the private bus or the one at the address.
+QByteArrayList busEnvironment(const QByteArray &bus = qgetenv("DBUS_SESSION_BUS_ADDRESS"));
 
 /// What the service of a row is told before the program starts.
 using Prepare = std::function<void(FakeService &)>;
@@ -28,15 +28,13 @@ using Prepare = std::function<void(FakeService &)>;
 Prepare answers(const char *member, const QByteArray &body);
 /// The service answers a member with an error, whose text is never to be seen.
 Prepare refuses(const char *member);
-/// The service leaves the bus when the member is called.
-Prepare leavesOn(const char *member);
 
 /// The program's own error line with a status.
 QByteArray error(const char *status);
 
 /// One run of the program.
 struct MovraRow {
-    const char *name; ///< a sentence
+    QByteArray name; ///< a sentence
     QByteArrayList arguments; ///< what is typed; "@" stands for the name of the row's own service
     Prepare prepare; ///< what the service answers; may be empty
     QByteArray out; ///< the whole of standard output
