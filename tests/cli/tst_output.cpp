@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// Standard output that takes nothing: a write that fails is not reported and changes no status, and
+// a pipe whose reader left ends the program with SIGPIPE.
+#include "tests/support/movrarun.h"
+
+#include <QTest>
+
+#include <csignal>
+
+Q_DECLARE_METATYPE(Program::Output)
+
+class tst_Output : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatIsPrintedIsLost_data();
+    void whatIsPrintedIsLost();
+    void theMonitorGoesOn_data();
+    void theMonitorGoesOn();
+};
+
+namespace
+{
+
+struct Request {
+    const char *name;
+    QByteArrayList words;
+    QByteArrayList calls;
+    int status;
+    bool prints;
+};
+
+void prepare(FakeService &service)
+{
+    service.answer("DBusServerStatus", "(5,)");
+    service.answer("GetValue",
+                   "(<['a line that is longer than a number of eight bytes', 'two', 'three']>,)");
+    service.refuse("DoAction", "varn.pim.Error.Refused", "no");
+}
+
+} // namespace
+
+void tst_Output::whatIsPrintedIsLost_data()
+{
+    QTest::addColumn<QByteArrayList>("words");
+    QTest::addColumn<QByteArrayList>("calls");
+    QTest::addColumn<Program::Output>("output");
+    QTest::addColumn<int>("status");
+
+    const QByteArrayList service { "com.varn.tul", "/" };
+    const Request requests[] = {
+        { "one line", service + QByteArrayList { "SERVERSTAT" }, { "DBusServerStatus" }, 0, true },
+        { "an array", service + QByteArrayList { "GET", "x" }, { "GetValue s ('x',)" }, 0, true },
+        { "a failed call",
+          service + QByteArrayList { "ACTION", "x" },
+          { "DoAction s ('x',)" },
+          0,
+          true },
+        { "an error line", service + QByteArrayList { "NOPE" }, {}, 1, true },
+        { "another status", service + QByteArrayList { "GET" }, {}, 3, true },
+        { "nothing",
+          service + QByteArrayList { "SET", "x", "y" },
+          { "SetValue a(sv) ([('x', <'y'>)],)" },
+          0,
+          false },
+        { "no connection", { "com.varn.nobody", "/", "SERVERSTAT" }, {}, 1, true },
+        { "the usage text", { "-h" }, {}, 1, true },
+    };
+    using Output = Program::Output;
+    for (const Request &request : requests) {
+        const auto row = [&request](const char *state, Output output, int status) {
+            QTest::addRow("%s, %s", request.name, state)
+                << request.words << request.calls << output << status;
+        };
+        row("no standard output", Output::Closed, request.status);
+        row("a full device", Output::Full, request.status);
+        row("a pipe that nobody reads", Output::LeftPipe,
+            request.prints ? 256 + SIGPIPE : request.status);
+    }
+}
+
+void tst_Output::whatIsPrintedIsLost()
+{
+    QFETCH(QByteArrayList, words);
+    QFETCH(QByteArrayList, calls);
+    QFETCH(Program::Output, output);
+    QFETCH(int, status);
+    FakeService service;
+    prepare(service);
+    Program program(MOVRA_PROGRAM, words, busEnvironment(), output);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(service.waitForCalls(calls.size()), calls);
+    QCOMPARE(program.err, QByteArray());
+    QCOMPARE(program.status, status);
+}
+
+void tst_Output::theMonitorGoesOn_data()
+{
+    QTest::addColumn<Program::Output>("output");
+    QTest::newRow("no standard output") << Program::Output::Closed;
+    QTest::newRow("a full device") << Program::Output::Full;
+}
+
+void tst_Output::theMonitorGoesOn()
+{
+    QFETCH(Program::Output, output);
+    FakeService service;
+    Program monitor(MOVRA_PROGRAM, { "com.varn.tul", "/", "SIG" }, busEnvironment(), output);
+    QTRY_COMPARE(service.matchRules("com.varn.tul").size(), 7);
+    for (int i = 0; i < 100; ++i) {
+        service.emitSignal("SigInfo", "('a line that is longer than a number of eight bytes',)");
+    }
+    // A run that begins now ends behind all of them.
+    Program last(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" }, busEnvironment());
+    QVERIFY(last.waitForEnd());
+    QVERIFY(monitor.runs());
+    QCOMPARE(service.matchRules("com.varn.tul").size(), 7);
+    monitor.send(SIGTERM);
+    QVERIFY(monitor.waitForEnd());
+    QCOMPARE(monitor.err.count('\n'), 1);
+    QCOMPARE(monitor.status, 256 + SIGTERM);
+}
+
+QTEST_GUILESS_MAIN(tst_Output)
+#include "tst_output.moc"
