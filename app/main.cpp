@@ -5,6 +5,7 @@
 #include "app/commands.h"
 #include "app/messagefilter.h"
 #include "app/movra.h"
+#include "app/standardstreams.h"
 #include "app/usage.h"
 
 #include <QCoreApplication>
@@ -16,6 +17,7 @@
 
 int main(int argc, char **argv)
 {
+    replaceClosedStreams();
     // A reader on a pipe has each line when it is printed, and a killed process loses none.
     (void)std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 

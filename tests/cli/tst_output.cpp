@@ -18,6 +18,7 @@ private Q_SLOTS:
     void whatIsPrintedIsLost();
     void theMonitorGoesOn_data();
     void theMonitorGoesOn();
+    void aMonitorWithoutAnyStreamHears();
 };
 
 namespace
@@ -119,6 +120,24 @@ void tst_Output::theMonitorGoesOn()
     monitor.send(SIGTERM);
     QVERIFY(monitor.waitForEnd());
     QCOMPARE(monitor.err.count('\n'), 1);
+    QCOMPARE(monitor.status, 256 + SIGTERM);
+}
+
+void tst_Output::aMonitorWithoutAnyStreamHears()
+{
+    FakeService service;
+    Program monitor("sh",
+                    QByteArrayList { "-c", "exec \"$0\" com.varn.tul / SIG <&- >&- 2>&-",
+                                     MOVRA_PROGRAM },
+                    busEnvironment());
+    // What Qt and the monitor print must not end up on the connection, which the bus would cut.
+    QTRY_COMPARE(service.matchRules("com.varn.tul").size(), 7);
+    service.emitSignal("SigInfo", "('x',)");
+    Program last(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" }, busEnvironment());
+    QVERIFY(last.waitForEnd());
+    QCOMPARE(service.matchRules("com.varn.tul").size(), 7);
+    monitor.send(SIGTERM);
+    QVERIFY(monitor.waitForEnd());
     QCOMPARE(monitor.status, 256 + SIGTERM);
 }
 
