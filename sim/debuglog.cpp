@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sim/debuglog.h"
 
+#include "sim/idfields.h"
 #include "sim/text.h"
 
 #include <QLatin1String>

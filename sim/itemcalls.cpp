@@ -11,9 +11,14 @@
 namespace
 {
 
-QVariant boxed(const QVariant &value)
+int statusOf(const Item &item)
 {
-    return QVariant::fromValue(QDBusVariant(value));
+    return item.status;
+}
+
+IdValueStatusStruct valueAndStatusOf(const Item &item)
+{
+    return { item.id, item.value, item.status };
 }
 
 } // namespace
@@ -51,92 +56,73 @@ std::optional<Refusal> Service::checkSize(const QVector<int> &indexes) const
         QStringLiteral("The values of %1 items do not fit one answer.").arg(indexes.size()));
 }
 
-void Service::noteReads(const QVector<int> &indexes)
+std::optional<Refusal> Service::lookUpToRead(const QVariantList &arguments, QVector<int> &indexes)
 {
+    // One identifier arrives as a list of one.
+    if (auto refusal = lookUp(arguments.at(0).toStringList(), indexes)) {
+        return refusal;
+    }
+    if (auto refusal = checkSize(indexes)) {
+        return refusal;
+    }
     for (const int index : indexes) {
         journal.record(LogLevel::Debug, items.at(index).id, QStringLiteral("read"));
     }
+    return {};
+}
+
+template <typename Show> Answer Service::readOne(const QVariantList &arguments, Show show)
+{
+    QVector<int> indexes;
+    if (auto refusal = lookUpToRead(arguments, indexes)) {
+        return { {}, refusal };
+    }
+    return { { QVariant::fromValue(show(items.at(indexes.first()))) }, {} };
+}
+
+template <typename Show> Answer Service::readAll(const QVariantList &arguments, Show show)
+{
+    QVector<int> indexes;
+    if (auto refusal = lookUpToRead(arguments, indexes)) {
+        return { {}, refusal };
+    }
+    QList<decltype(show(items.at(0)))> shown;
+    for (const int index : indexes) {
+        shown.append(show(items.at(index)));
+    }
+    return { { QVariant::fromValue(shown) }, {} };
 }
 
 Answer Service::getStatus(const QVariantList &arguments)
 {
-    QVector<int> indexes;
-    if (auto refusal = lookUp({ arguments.at(0).toString() }, indexes)) {
-        return { {}, refusal };
-    }
-    noteReads(indexes);
-    return { { items.at(indexes.first()).status }, {} };
+    return readOne(arguments, statusOf);
 }
 
 Answer Service::getStatuses(const QVariantList &arguments)
 {
-    QVector<int> indexes;
-    if (auto refusal = lookUp(arguments.at(0).toStringList(), indexes)) {
-        return { {}, refusal };
-    }
-    noteReads(indexes);
-    QList<int> statuses;
-    for (const int index : indexes) {
-        statuses.append(items.at(index).status);
-    }
-    return { { QVariant::fromValue(statuses) }, {} };
+    return readAll(arguments, statusOf);
 }
 
 Answer Service::getValue(const QVariantList &arguments)
 {
-    QVector<int> indexes;
-    if (auto refusal = lookUp({ arguments.at(0).toString() }, indexes)) {
-        return { {}, refusal };
-    }
-    noteReads(indexes);
-    return { { boxed(items.at(indexes.first()).value) }, {} };
+    return readOne(arguments, [](const Item &item) { return QDBusVariant(item.value); });
 }
 
 Answer Service::getValues(const QVariantList &arguments)
 {
-    QVector<int> indexes;
-    if (auto refusal = lookUp(arguments.at(0).toStringList(), indexes)) {
-        return { {}, refusal };
-    }
-    if (auto refusal = checkSize(indexes)) {
-        return { {}, refusal };
-    }
-    noteReads(indexes);
-    QList<IdValueStruct> values;
-    for (const int index : indexes) {
-        values.append({ items.at(index).id, items.at(index).value });
-    }
-    return { { QVariant::fromValue(values) }, {} };
+    return readAll(arguments, [](const Item &item) {
+        return IdValueStruct { item.id, item.value };
+    });
 }
 
 Answer Service::getValueStatus(const QVariantList &arguments)
 {
-    QVector<int> indexes;
-    if (auto refusal = lookUp({ arguments.at(0).toString() }, indexes)) {
-        return { {}, refusal };
-    }
-    noteReads(indexes);
-    const Item &item = items.at(indexes.first());
-    return { { QVariant::fromValue(IdValueStatusStruct { item.id, item.value, item.status }) },
-             {} };
+    return readOne(arguments, valueAndStatusOf);
 }
 
 Answer Service::getValueStatuses(const QVariantList &arguments)
 {
-    QVector<int> indexes;
-    if (auto refusal = lookUp(arguments.at(0).toStringList(), indexes)) {
-        return { {}, refusal };
-    }
-    if (auto refusal = checkSize(indexes)) {
-        return { {}, refusal };
-    }
-    noteReads(indexes);
-    QList<IdValueStatusStruct> values;
-    for (const int index : indexes) {
-        const Item &item = items.at(index);
-        values.append({ item.id, item.value, item.status });
-    }
-    return { { QVariant::fromValue(values) }, {} };
+    return readAll(arguments, valueAndStatusOf);
 }
 
 Answer Service::listConfigIds(const QVariantList & /*arguments*/)

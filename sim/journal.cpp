@@ -1,35 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "sim/journal.h"
 
+#include "sim/idfields.h"
 #include "sim/text.h"
 
-#include <algorithm>
 #include <utility>
 
-Journal::Journal(const QStringList &logNames, DebugLog &debugLogBehind,
-                 Announcer announcerOfEntries)
-    : debugLog(debugLogBehind)
+Journal::Journal(QStringList logNames, DebugLog &debugLogBehind, Announcer announcerOfEntries)
+    : logs(std::move(logNames))
+    , debugLog(debugLogBehind)
     , announcer(std::move(announcerOfEntries))
 {
-    for (const QString &name : logNames) {
-        all.append({ name, {}, false });
-    }
 }
 
 void Journal::record(LogLevel level, const QString &id, const QString &text)
 {
     const QString entry = shown(id) + QLatin1Char(' ') + text;
     debugLog.record(level, id, entry);
-    Log *log = find(idFields(id).value(0));
-    if (log == nullptr) {
-        return;
-    }
-    log->entries.append(entry);
-    if (log->entries.size() > mostEntries) {
-        log->entries.removeFirst();
-    }
-    if (log->announced) {
-        announcer.info(QStringLiteral("log %1: %2").arg(log->name, entry));
+    const QString log = idFields(id).value(0);
+    if (announced.contains(log)) {
+        announcer.info(QStringLiteral("log %1: %2").arg(log, entry));
     }
 }
 
@@ -40,37 +30,23 @@ void Journal::recordRefusal(const QString &id, const Refusal &refusal)
 
 std::optional<Refusal> Journal::startNotify(const QString &name)
 {
-    Log *log = find(name);
-    if (log == nullptr) {
+    if (!logs.contains(name)) {
         return unknownId(name);
     }
-    log->announced = true;
+    announced.insert(name);
     return {};
 }
 
 std::optional<Refusal> Journal::stopNotify(const QString &name)
 {
-    Log *log = find(name);
-    if (log == nullptr) {
+    if (!logs.contains(name)) {
         return unknownId(name);
     }
-    log->announced = false;
+    announced.remove(name);
     return {};
 }
 
-std::optional<Refusal> Journal::clear(const QString &name)
+std::optional<Refusal> Journal::clear(const QString &name) const
 {
-    Log *log = find(name);
-    if (log == nullptr) {
-        return unknownId(name);
-    }
-    log->entries.clear();
-    return {};
-}
-
-Log *Journal::find(const QString &name)
-{
-    const auto log = std::find_if(all.begin(), all.end(),
-                                  [&name](const Log &each) { return each.name == name; });
-    return log == all.end() ? nullptr : &*log;
+    return logs.contains(name) ? std::nullopt : std::optional(unknownId(name));
 }

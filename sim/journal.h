@@ -1,36 +1,27 @@
 // SPDX-License-Identifier: MIT
 // The logs of a catalogue: everything that happens to an identifier is one entry of the log that
-// its first field names, and is handed on to the debug log.
+// its first field names, and is handed on to the debug log. No call of the interface reads a log,
+// so entries are announced and not kept.
 #pragma once
 
 #include "sim/announcer.h"
 #include "sim/debuglog.h"
 #include "sim/refusal.h"
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
 #include <optional>
-
-/// One log of a catalogue.
-struct Log {
-    QString name;
-    QStringList entries; ///< oldest first
-    bool announced = false; ///< whether each new entry is announced
-};
 
 /// All logs.
 class Journal
 {
 public:
-    /// Most entries of one log; the oldest ones make room.
-    static constexpr int mostEntries = 1000;
+    Journal(QStringList logNames, DebugLog &debugLogBehind, Announcer announcerOfEntries);
 
-    Journal(const QStringList &logNames, DebugLog &debugLogBehind, Announcer announcerOfEntries);
-
-    /// The logs in catalogue order.
-    const QVector<Log> &logs() const { return all; }
+    /// The logs' names in catalogue order.
+    const QStringList &names() const { return logs; }
     /// Notes what happened to `id`: the entry is the identifier and the text.
     void record(LogLevel level, const QString &id, const QString &text);
     /// Notes that a call about `id` was refused.
@@ -40,13 +31,12 @@ public:
     std::optional<Refusal> startNotify(const QString &name);
     /// Ends what startNotify() began.
     std::optional<Refusal> stopNotify(const QString &name);
-    /// Drops the entries of the log.
-    std::optional<Refusal> clear(const QString &name);
+    /// Refuses a log that is not there; one that is there has nothing to drop.
+    std::optional<Refusal> clear(const QString &name) const;
 
 private:
-    Log *find(const QString &name);
-
-    QVector<Log> all;
+    QStringList logs;
+    QSet<QString> announced;
     DebugLog &debugLog;
     Announcer announcer;
 };

@@ -72,18 +72,24 @@ private:
     Answer stopConfigNotify(const QVariantList &arguments);
     Answer stopResultNotify(const QVariantList &arguments);
 
-    // Actions, server, logs, files
+    // Actions
     Answer doAction(const QVariantList &arguments);
     Answer doActionWithValue(const QVariantList &arguments);
     Answer listActionIds(const QVariantList &arguments);
+
+    // Server
     Answer dBusServerCmd(const QVariantList &arguments);
     Answer dBusServerStatus(const QVariantList &arguments);
+
+    // Logs
     Answer dbgLogCmd(const QVariantList &arguments);
     Answer dbgLogGetIds(const QVariantList &arguments);
     Answer logClear(const QVariantList &arguments);
     Answer logGetIds(const QVariantList &arguments);
     Answer logStartNotify(const QVariantList &arguments);
     Answer logStopNotify(const QVariantList &arguments);
+
+    // Files
     Answer loadConfig(const QVariantList &arguments);
     Answer saveConfig(const QVariantList &arguments);
 
@@ -91,7 +97,10 @@ private:
     std::optional<Refusal> lookUp(const QStringList &ids, QVector<int> &indexes);
     /// Refuses to read more than one answer can carry.
     std::optional<Refusal> checkSize(const QVector<int> &indexes) const;
-    void noteReads(const QVector<int> &indexes);
+    /// The items that a call reads, all of them noted, or why it is refused.
+    std::optional<Refusal> lookUpToRead(const QVariantList &arguments, QVector<int> &indexes);
+    template <typename Show> Answer readOne(const QVariantList &arguments, Show show);
+    template <typename Show> Answer readAll(const QVariantList &arguments, Show show);
     std::optional<Refusal> convert(const IdValueStruct &wanted, Assignment &assignment) const;
     Answer assignAll(const QList<IdValueStruct> &wanted);
     Answer refusedAction(const QString &id, const Refusal &refusal);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sim/text.h"
 
-#include <Qt>
-
 namespace
 {
 
@@ -23,13 +21,6 @@ QString shown(const QString &text)
         }
     }
     return text.size() > longestShown ? line + QLatin1String("...") : line;
-}
-
-QStringList idFields(const QString &id)
-{
-    // A client may send an identifier of many millions of fields.
-    constexpr int longestId = 1000;
-    return id.left(longestId).split(QLatin1Char(':'), Qt::SkipEmptyParts);
 }
 
 QString quoted(const QString &text)

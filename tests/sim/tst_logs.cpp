@@ -25,6 +25,7 @@ class TestLogs : public SimTest
 
 private Q_SLOTS:
     void everyEntryOfAStartedLogIsAnnounced();
+    void theFirstFieldChoosesTheLog();
     void logsAreStartedAndStoppedApart();
     void anUnknownLogIsRefused();
     void theDebugLogLiesInTheStateDirectory_data();
@@ -73,6 +74,25 @@ void TestLogs::everyEntryOfAStartedLogIsAnnounced()
                  text("SigInfo log config: :config:data:ftp:port: put on the notify list"),
                  text("SigInfo log config: :config:data:ftp:port: taken off the notify list"),
              }));
+}
+
+void TestLogs::theFirstFieldChoosesTheLog()
+{
+    QCOMPARE(answerTo(service->LogStartNotify(text("result"))), QString());
+    for (const char *id :
+         { ":other:", "", ":", ":results:", ":a:result:", "result", "::result::b:" }) {
+        service->GetValue(text(id));
+    }
+    service->GetValue(text(":result:a\nb:") + QString(300, QLatin1Char('x')));
+    const QString longId = text(":result:a b:") + QString(188, QLatin1Char('x')) + text("...");
+    QCOMPARE(
+        takeHeard(),
+        (QStringList {
+            text("SigInfo log result: result refused: There is no \"result\" here."),
+            text("SigInfo log result: ::result::b: refused: There is no \"::result::b:\" here."),
+            text("SigInfo log result: ") + longId + text(" refused: There is no \"") + longId
+                + text("\" here."),
+        }));
 }
 
 void TestLogs::logsAreStartedAndStoppedApart()
