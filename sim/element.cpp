@@ -38,9 +38,16 @@ QString misfit(const QString &display, QLatin1String type)
     return QStringLiteral("%1 does not fit %2").arg(display, type);
 }
 
+bool isMinusZero(double value)
+{
+    return std::fpclassify(value) == FP_ZERO && std::signbit(value);
+}
+
 QString doubleText(double value)
 {
-    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+    // Qt leaves the sign out.
+    return isMinusZero(value) ? QStringLiteral("-0")
+                              : QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
 template <typename T> QString parseInteger(const QString &text, const QString &display, T &out)
@@ -258,8 +265,9 @@ QJsonValue toJson(quint64 value)
 
 QJsonValue toJson(double value)
 {
-    // JSON has neither infinities nor nan.
-    return std::isfinite(value) ? QJsonValue(value) : QJsonValue(doubleText(value));
+    // JSON has neither infinities nor nan, and Qt's has no -0.
+    return std::isfinite(value) && !isMinusZero(value) ? QJsonValue(value)
+                                                       : QJsonValue(doubleText(value));
 }
 
 QString jsonKind(QJsonValue::Type type)

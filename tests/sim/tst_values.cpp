@@ -339,6 +339,7 @@ void TestValues::jsonGivesBackTheSameValue_data()
     row("an int64 stands as text", "int64", "\"-9223372036854775808\"");
     row("an uint64 stands as text", "uint64", "\"18446744073709551615\"");
     row("a double", "double", "0.1");
+    row("minus nought keeps its sign", "double", "\"-0\"");
     row("infinity stands as text", "double", "\"-inf\"");
     row("nan stands as text", "double", "\"nan\"");
     row("strings", "string[]", "[\"a b\",\"\"]");
