@@ -60,12 +60,13 @@ CatalogText CatalogReader::read(const QByteArray &text)
     readEntries(top, QStringLiteral("results"), &CatalogReader::readResult);
     readEntries(top, QStringLiteral("actions"), &CatalogReader::readAction);
     // LogGetIds joins the names by blanks, and the debug log's commands separate them by commas.
-    catalog.logs =
-        readNames(top, QStringLiteral("logs"), QRegularExpression(QStringLiteral("\\A[^\\s:]+\\z")),
-                  QStringLiteral("a name without blanks and colons"));
-    catalog.debugLogs = readNames(top, QStringLiteral("debugLogs"),
-                                  QRegularExpression(QStringLiteral("\\ALOG_[^\\s:,a-z]+\\z")),
-                                  QStringLiteral("LOG_ and a name in upper case"));
+    catalog.logs = readNames(top, QStringLiteral("logs"),
+                             QRegularExpression(QStringLiteral("\\A[^\\s[:cntrl:]:]+\\z")),
+                             QStringLiteral("a name without blanks and colons"));
+    catalog.debugLogs =
+        readNames(top, QStringLiteral("debugLogs"),
+                  QRegularExpression(QStringLiteral("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z")),
+                  QStringLiteral("LOG_ and a name in upper case"));
     top.refuseOthers();
     return { catalog, top.problem() };
 }

@@ -2,6 +2,7 @@
 #include "sim/jsonreader.h"
 
 #include "sim/element.h"
+#include "sim/jsonscan.h"
 #include "sim/text.h"
 
 #include <QJsonDocument>
@@ -24,6 +25,9 @@ QString placeOf(const QByteArray &text, int offset)
 
 JsonText parseJson(const QByteArray &text)
 {
+    if (const auto fault = findJsonFault(text)) {
+        return { {}, placeOf(text, fault->offset) + QLatin1String(": ") + fault->reason };
+    }
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
@@ -105,9 +109,12 @@ int FieldReader::integer(const QString &key, int least, int greatest, int otherw
     if (!has(key)) {
         return otherwise;
     }
+    const QJsonValue value = any(key);
     int number = otherwise;
-    const QString problem = element::read(any(key), number);
-    if (!problem.isEmpty()) {
+    const QString problem = element::read(value, number);
+    if (!value.isDouble()) {
+        refuse(key, QStringLiteral("is %1, not a number").arg(element::jsonKind(value.type())));
+    } else if (!problem.isEmpty()) {
         refuse(key, problem);
     } else if (number < least || number > greatest) {
         refuse(key, QStringLiteral("%1 is not in %2 to %3").arg(number).arg(least).arg(greatest));

@@ -43,12 +43,16 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
     const auto row = [](const char *name, const QByteArray &text, const char *problem) {
         QTest::newRow(name) << text << QString::fromUtf8(problem);
     };
-    row("an empty text", "", "line 1, column 1: illegal value");
+    row("an empty text", "", "line 1, column 1: expected a value, found the end");
     row("an array", "[]", "line 1, column 1: is an array, not an object");
-    row("a word too much", "{}\n x", "line 2, column 2: garbage at the end of the document");
+    row("a word too much", "{}\n x", "line 2, column 2: expected the end, found \"x\"");
     row("a comma too much", "{\n  \"configs\": [],\n}",
-        "line 3, column 2: object is missing after a comma");
-    row("columns are characters", "{\"\xc3\xa4\": x}", "line 1, column 7: illegal number");
+        "line 3, column 1: expected a key, found \"}\"");
+    row("columns are characters", "{\"\xc3\xa4\": \xc3\xb6}",
+        "line 1, column 7: expected a value, found \"\xc3\xb6\"");
+    row("a text that is no UTF-8", "{\"\xff\": 1}", "line 1, column 3: invalid UTF8 string");
+    row("a key that stands twice", "{\"configs\": [],\n \"c\\u006fnfigs\": []}",
+        "line 2, column 2: the key \"configs\" is there already");
     row("a missing list", "{}", "configs: is missing");
     row("a list that is an object",
         R"({"configs": [], "results": {}, "actions": [], "logs": [], "debugLogs": []})",
@@ -86,7 +90,10 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
            "configs[0].value[1]: is a number, not a string");
     config("a status that is text",
            R"([{"id": "a", "type": "bool", "value": true, "status": "x"}])",
-           "configs[0].status: \"x\" is not a whole number");
+           "configs[0].status: is a string, not a number");
+    config("a status with a fraction",
+           R"([{"id": "a", "type": "bool", "value": true, "status": 1.5}])",
+           "configs[0].status: 1.5 is not a whole number");
     config("an unknown field", R"([{"id": "a", "type": "bool", "value": true, "colour": 1}])",
            "configs[0].colour: is not known");
     row("an id of a config used by a result",
@@ -144,6 +151,8 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
     row("a log that is a number", catalogWith("logs", "[5]"),
         "logs[0]: is not a name without blanks and colons");
     row("a log with a blank", catalogWith("logs", R"(["a b"])"),
+        "logs[0]: is not a name without blanks and colons");
+    row("a log with U+0000", catalogWith("logs", R"(["a\u0000b"])"),
         "logs[0]: is not a name without blanks and colons");
     row("a log named twice", catalogWith("logs", R"(["a", "a"])"),
         "logs[1]: \"a\" is there already");
