@@ -4,7 +4,7 @@
 
 /// The exit statuses.
 enum class ExitStatus : int {
-    Closed = 0, ///< told to end, or help or version printed
+    Closed = 0, ///< told to end, or vanished, or help or version printed
     WrongUsage = 1, ///< wrong options or stray arguments
     BadCatalog = 2, ///< the catalogue cannot be read or is malformed
     NoBus = 3, ///< there is no session bus, or it went away

@@ -101,9 +101,11 @@ Ending Host::serveOnBus(const Catalog &catalog, const StateFiles &files, void (*
                 SLOT(busLost()));
 
     const Announcer announcer(bus, options.path);
-    Service service(catalog, files, announcer);
+    Service service(catalog, files, announcer, options.faults);
     bus.registerVirtualObject(options.path, &service);
     const QuitSignals quitSignals;
+    constexpr int withoutAWord = 1;
+    connect(&service, &Service::vanished, this, [] { QCoreApplication::exit(withoutAWord); });
     connect(&quitSignals, &QuitSignals::received, this, &QCoreApplication::quit);
     const QString problem = ownName(bus, options.service);
     if (!problem.isEmpty()) {
@@ -112,11 +114,12 @@ Ending Host::serveOnBus(const Catalog &catalog, const StateFiles &files, void (*
                      .arg(quoted(options.service), problem) };
     }
     announceReady();
-    QCoreApplication::exec();
-
-    announcer.send(QStringLiteral("SigDBusServerClosing"),
-                   { QStringLiteral("movra-sim is closing") });
-    // The answer of the bus to this call shows that the signal before it has arrived as well.
+    if (QCoreApplication::exec() != withoutAWord) {
+        announcer.send(QStringLiteral("SigDBusServerClosing"),
+                       { QStringLiteral("movra-sim is closing") });
+    }
+    // The answer of the bus to this call shows that all that was sent before it has arrived as
+    // well.
     bus.unregisterService(options.service);
     bus.unregisterObject(options.path);
     return ending;

@@ -29,7 +29,8 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     const Options options = parseOptions(QCoreApplication::arguments());
     if (!options.problem.isEmpty()) {
-        return fail(ExitStatus::WrongUsage, options.problem);
+        return fail(ExitStatus::WrongUsage,
+                    options.problem + QStringLiteral(" See movra-sim --help."));
     }
     if (options.task != Options::Task::Serve) {
         print(stdout, options.task == Options::Task::Help ? helpText() : versionText());

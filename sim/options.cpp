@@ -14,10 +14,11 @@ Options parseOptions(const QStringList &arguments)
                                   QStringLiteral("/"));
     const QCommandLineOption catalog(QStringLiteral("catalog"), {}, QStringLiteral("FILE"));
     const QCommandLineOption state(QStringLiteral("state"), {}, QStringLiteral("DIR"));
-    const QCommandLineOption help(QStringLiteral("help"));
+    const QCommandLineOption fault(QStringLiteral("fault"), {}, QStringLiteral("MEMBER=FAULT"));
+    const QCommandLineOption help(QStringList { QStringLiteral("h"), QStringLiteral("help") });
     const QCommandLineOption version(QStringLiteral("version"));
     QCommandLineParser parser;
-    parser.addOptions({ service, path, catalog, state, help, version });
+    parser.addOptions({ service, path, catalog, state, fault, help, version });
 
     Options options;
     if (!parser.parse(arguments)) {
@@ -32,6 +33,14 @@ Options parseOptions(const QStringList &arguments)
     if (parser.isSet(catalog) && parser.value(catalog).isEmpty()) {
         options.problem = QStringLiteral("The name of the catalogue is empty.");
         return options;
+    }
+    for (const QString &text : parser.values(fault)) {
+        const FaultText read = readFault(text);
+        if (!read.problem.isEmpty()) {
+            options.problem = read.problem;
+            return options;
+        }
+        options.faults.append(read.fault);
     }
     if (parser.isSet(help)) {
         options.task = Options::Task::Help;
@@ -51,6 +60,7 @@ QString helpText()
 {
     return QStringLiteral(
         R"(Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]
+                 [--fault MEMBER=FAULT]...
 
 A stand-in for the application service that movra talks to. It owns a name on the
 session bus, answers the interface "varn.pim" and prints "ready" once it does. It
@@ -64,11 +74,19 @@ Options:
   --state DIR     where saved configurations and debug logs lie
                   (default $XDG_STATE_HOME/movra-sim,
                   else $HOME/.local/state/movra-sim)
-  --help          print this text
+  --fault MEMBER=FAULT
+                  what calls of this member of the interface (*: of every member)
+                  meet with instead of a prompt answer; may be repeated:
+                    delay:MS       carried out and answered so much later
+                    refuse[:TEXT]  refused with varn.pim.Error.Refused
+                    wrong-type     answered with a value of a type they never have
+                    silence        never answered
+                    vanish         never answered, and the simulator ends at once
+  -h, --help      print this text
   --version       print the version
 
 Exit status:
-  0  told to end, or help or version printed
+  0  told to end, or vanished, or help or version printed
   1  wrong options or stray arguments
   2  the catalogue cannot be read or is malformed
   3  there is no session bus, or it went away

@@ -2,8 +2,11 @@
 // The command line of the simulator.
 #pragma once
 
+#include "sim/faults.h"
+
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <optional>
 
@@ -15,6 +18,7 @@ struct Options {
     QString path;
     QString catalogFile; ///< empty: the built-in catalogue
     std::optional<QString> stateDirectory; ///< without one, the default
+    QVector<Fault> faults; ///< in the order given
     QString problem; ///< not empty: the command line is wrong, and why
 };
 

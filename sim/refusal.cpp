@@ -36,6 +36,11 @@ Refusal unknownCommand(const QString &word)
              QStringLiteral("There is no command %1.").arg(quoted(word)) };
 }
 
+Refusal onDemand(const QString &sentence)
+{
+    return { QStringLiteral("varn.pim.Error.Refused"), sentence };
+}
+
 Refusal busy(const QString &id)
 {
     return { QStringLiteral("varn.pim.Error.Busy"),

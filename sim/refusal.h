@@ -22,5 +22,7 @@ Refusal badName(const QString &sentence);
 Refusal fileProblem(const QString &sentence);
 /// A command word that nobody here knows.
 Refusal unknownCommand(const QString &word);
+/// A fault that was asked for.
+Refusal onDemand(const QString &sentence);
 /// The action is running already.
 Refusal busy(const QString &id);

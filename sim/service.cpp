@@ -6,9 +6,11 @@
 
 #include <QDBusError>
 #include <QLatin1String>
+#include <QTimer>
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 struct Service::MethodRow {
     const char *member;
@@ -65,10 +67,22 @@ QDBusMessage unknownMethod(const QDBusMessage &message)
             .arg(message.member(), message.path(), message.signature()));
 }
 
+void reply(const QDBusConnection &connection, const QDBusMessage &call, const QDBusMessage &answer)
+{
+    if (call.isReplyRequired()) {
+        connection.send(answer);
+    }
+}
+
+void refuse(const QDBusConnection &connection, const QDBusMessage &call, const Refusal &refusal)
+{
+    reply(connection, call, call.createErrorReply(refusal.name, refusal.sentence));
+}
+
 } // namespace
 
 Service::Service(const Catalog &catalog, const StateFiles &stateFiles,
-                 const Announcer &signalAnnouncer, QObject *parent)
+                 const Announcer &signalAnnouncer, QVector<Fault> faultsOnDemand, QObject *parent)
     : QDBusVirtualObject(parent)
     , announcer(signalAnnouncer)
     , files(stateFiles)
@@ -77,6 +91,7 @@ Service::Service(const Catalog &catalog, const StateFiles &stateFiles,
     , items(catalog.items)
     , notifier(items, announcer)
     , actions(catalog.actions, items, journal, announcer)
+    , faults(std::move(faultsOnDemand))
 {
     registerBusTypes();
     // Qt puts the document around it, with the interfaces that it answers for itself.
@@ -108,17 +123,55 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
     if (wanted.isEmpty() ? method == nullptr : wanted != QLatin1String("varn.pim")) {
         return false;
     }
-    QDBusMessage reply;
-    if (method == nullptr) {
-        reply = unknownMethod(message);
-    } else {
-        const Answer answer = (this->*method->handler)(message.arguments());
-        reply = answer.refusal
-            ? message.createErrorReply(answer.refusal->name, answer.refusal->sentence)
-            : message.createReply(answer.values);
+    if (hasVanished) {
+        return true;
     }
-    if (message.isReplyRequired()) {
-        connection.send(reply);
+    if (method == nullptr) {
+        reply(connection, message, unknownMethod(message));
+    } else if (const Fault *fault = faultOf(faults, message.member())) {
+        suffer(*fault, *method, message, connection);
+    } else {
+        answer(*method, message, connection);
     }
     return true;
+}
+
+void Service::answer(const MethodRow &method, const QDBusMessage &message,
+                     const QDBusConnection &connection)
+{
+    const Answer answer = (this->*method.handler)(message.arguments());
+    if (answer.refusal) {
+        refuse(connection, message, *answer.refusal);
+    } else {
+        reply(connection, message, message.createReply(answer.values));
+    }
+}
+
+void Service::suffer(const Fault &fault, const MethodRow &method, const QDBusMessage &message,
+                     const QDBusConnection &connection)
+{
+    // No member of the interface answers with a double.
+    constexpr double ofAnotherType = 1.5;
+    switch (fault.kind) {
+    case Fault::Kind::Delay:
+        QTimer::singleShot(fault.delay, Qt::PreciseTimer, this,
+                           [this, &method, message, connection] {
+                               if (!hasVanished) {
+                                   answer(method, message, connection);
+                               }
+                           });
+        break;
+    case Fault::Kind::Refuse:
+        refuse(connection, message, onDemand(fault.text));
+        break;
+    case Fault::Kind::WrongType:
+        reply(connection, message, message.createReply(ofAnotherType));
+        break;
+    case Fault::Kind::Vanish:
+        hasVanished = true;
+        Q_EMIT vanished();
+        break;
+    case Fault::Kind::Silence:
+        break;
+    }
 }

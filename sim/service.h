@@ -7,6 +7,7 @@
 #include "sim/announcer.h"
 #include "sim/catalog.h"
 #include "sim/debuglog.h"
+#include "sim/faults.h"
 #include "sim/items.h"
 #include "sim/journal.h"
 #include "sim/notifier.h"
@@ -38,17 +39,26 @@ class Service : public QDBusVirtualObject
 
 public:
     Service(const Catalog &catalog, const StateFiles &stateFiles, const Announcer &signalAnnouncer,
-            QObject *parent = nullptr);
+            QVector<Fault> faultsOnDemand, QObject *parent = nullptr);
 
     /// The interface, word for word from the contract.
     QString introspect(const QString &path) const override;
     /// Answers a call of the interface; leaves calls of other interfaces to Qt.
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
+Q_SIGNALS:
+    /// A call met with Fault::Kind::Vanish; no call is answered any more.
+    void vanished();
+
 private:
     struct MethodRow;
     static const MethodRow methods[];
     static const MethodRow *find(const QDBusMessage &message);
+
+    void answer(const MethodRow &method, const QDBusMessage &message,
+                const QDBusConnection &connection);
+    void suffer(const Fault &fault, const MethodRow &method, const QDBusMessage &message,
+                const QDBusConnection &connection);
 
     // Items
     Answer getStatus(const QVariantList &arguments);
@@ -112,5 +122,7 @@ private:
     Items items;
     Notifier notifier;
     Actions actions;
+    QVector<Fault> faults;
+    bool hasVanished = false;
     QString interface;
 };

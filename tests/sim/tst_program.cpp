@@ -16,6 +16,7 @@ namespace
 
 constexpr const char *help =
     "Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]\n"
+    "                 [--fault MEMBER=FAULT]...\n"
     "\n"
     "A stand-in for the application service that movra talks to. It owns a name on the\n"
     "session bus, answers the interface \"varn.pim\" and prints \"ready\" once it does. It\n"
@@ -29,11 +30,19 @@ constexpr const char *help =
     "  --state DIR     where saved configurations and debug logs lie\n"
     "                  (default $XDG_STATE_HOME/movra-sim,\n"
     "                  else $HOME/.local/state/movra-sim)\n"
-    "  --help          print this text\n"
+    "  --fault MEMBER=FAULT\n"
+    "                  what calls of this member of the interface (*: of every member)\n"
+    "                  meet with instead of a prompt answer; may be repeated:\n"
+    "                    delay:MS       carried out and answered so much later\n"
+    "                    refuse[:TEXT]  refused with varn.pim.Error.Refused\n"
+    "                    wrong-type     answered with a value of a type they never have\n"
+    "                    silence        never answered\n"
+    "                    vanish         never answered, and the simulator ends at once\n"
+    "  -h, --help      print this text\n"
     "  --version       print the version\n"
     "\n"
     "Exit status:\n"
-    "  0  told to end, or help or version printed\n"
+    "  0  told to end, or vanished, or help or version printed\n"
     "  1  wrong options or stray arguments\n"
     "  2  the catalogue cannot be read or is malformed\n"
     "  3  there is no session bus, or it went away\n"
@@ -128,6 +137,7 @@ void TestProgram::helpAndVersionNeedNoBus_data()
     QTest::addColumn<QString>("expected");
     const QString helpOutcome = text("0|") + text(help) + text("|");
     QTest::newRow("help") << QStringList { text("--help") } << helpOutcome;
+    QTest::newRow("help by its letter") << QStringList { text("-h") } << helpOutcome;
     QTest::newRow("help wins over the version")
         << QStringList { text("--version"), text("--help") } << helpOutcome;
     QTest::newRow("help with other options")
@@ -151,15 +161,43 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
     const auto row = [](const char *name, const QStringList &arguments, const char *expected) {
         QTest::newRow(name) << arguments << text(expected);
     };
-    row("an unknown option", { text("--verbose") }, "1||movra-sim: Unknown option 'verbose'.\n");
+    row("an unknown option", { text("--verbose") },
+        "1||movra-sim: Unknown option 'verbose'. See movra-sim --help.\n");
     row("an option without its value", { text("--service") },
-        "1||movra-sim: Missing value after '--service'.\n");
+        "1||movra-sim: Missing value after '--service'. See movra-sim --help.\n");
     row("a value for a switch", { text("--help=x") },
-        "1||movra-sim: Unexpected value after '--help'.\n");
+        "1||movra-sim: Unexpected value after '--help'. See movra-sim --help.\n");
     row("a stray argument", { text("com.varn.tul"), text("/") },
-        "1||movra-sim: \"com.varn.tul\" is one argument too many.\n");
+        "1||movra-sim: \"com.varn.tul\" is one argument too many. See movra-sim --help.\n");
+    row("a fault without its member", { text("--fault"), text("silence") },
+        "1||movra-sim: The fault \"silence\" is no good: it is not of the form MEMBER=FAULT. See "
+        "movra-sim --help.\n");
+    row("a fault of a member that is not there", { text("--fault"), text("getvalue=silence") },
+        "1||movra-sim: The fault \"getvalue=silence\" is no good: the interface has no member "
+        "\"getvalue\". See movra-sim --help.\n");
+    row("a fault of a signal", { text("--fault"), text("SigInfo=silence") },
+        "1||movra-sim: The fault \"SigInfo=silence\" is no good: the interface has no member "
+        "\"SigInfo\". See movra-sim --help.\n");
+    row("an unknown fault", { text("--fault"), text("*=explode") },
+        "1||movra-sim: The fault \"*=explode\" is no good: \"explode\" is not delay:MS, refuse, "
+        "refuse:TEXT, wrong-type, vanish or silence. See movra-sim --help.\n");
+    row("a fault with a value too many", { text("--fault"), text("*=vanish:5") },
+        "1||movra-sim: The fault \"*=vanish:5\" is no good: \"vanish:5\" is not delay:MS, refuse, "
+        "refuse:TEXT, wrong-type, vanish or silence. See movra-sim --help.\n");
+    row("a delay without its time", { text("--fault"), text("GetValue=delay") },
+        "1||movra-sim: The fault \"GetValue=delay\" is no good: \"delay\" is not delay:MS, refuse, "
+        "refuse:TEXT, wrong-type, vanish or silence. See movra-sim --help.\n");
+    row("a delay that is no number", { text("--fault"), text("GetValue=delay:5s") },
+        "1||movra-sim: The fault \"GetValue=delay:5s\" is no good: \"5s\" is not in 0 to 3600000 "
+        "milliseconds. See movra-sim --help.\n");
+    row("a negative delay", { text("--fault"), text("GetValue=delay:-1") },
+        "1||movra-sim: The fault \"GetValue=delay:-1\" is no good: \"-1\" is not in 0 to 3600000 "
+        "milliseconds. See movra-sim --help.\n");
+    row("a delay beyond an hour", { text("--fault=*=delay:0"), text("--fault=*=delay:3600001") },
+        "1||movra-sim: The fault \"*=delay:3600001\" is no good: \"3600001\" is not in 0 to "
+        "3600000 milliseconds. See movra-sim --help.\n");
     row("a catalogue without a name", { text("--catalog"), QString() },
-        "1||movra-sim: The name of the catalogue is empty.\n");
+        "1||movra-sim: The name of the catalogue is empty. See movra-sim --help.\n");
     row("a catalogue that is not there", { text("--catalog"), text("none.json") },
         "2||movra-sim: the catalogue \"none.json\" is no good: No such file or directory\n");
     row("a catalogue that is a directory", { text("--catalog"), text(".") },

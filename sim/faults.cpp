@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "sim/faults.h"
+
+#include "sim/element.h"
+#include "sim/resources.h"
+#include "sim/text.h"
+
+#include <QByteArray>
+#include <QLatin1String>
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+constexpr int longestDelay = 3600000;
+
+enum class Value { None, Optional, Required };
+
+struct KindRow {
+    const char *word;
+    Fault::Kind kind;
+    Value value;
+};
+
+constexpr KindRow kinds[] = {
+    { "delay", Fault::Kind::Delay, Value::Required },
+    { "refuse", Fault::Kind::Refuse, Value::Optional },
+    { "wrong-type", Fault::Kind::WrongType, Value::None },
+    { "vanish", Fault::Kind::Vanish, Value::None },
+    { "silence", Fault::Kind::Silence, Value::None },
+};
+
+const QString everyMember = QStringLiteral("*");
+
+bool isMember(const QString &name)
+{
+    return interfaceXml().contains("<method name=\"" + name.toUtf8() + '"');
+}
+
+} // namespace
+
+FaultText readFault(const QString &text)
+{
+    const auto wrong = [&text](const QString &reason) {
+        return FaultText {
+            {}, QStringLiteral("The fault %1 is no good: %2.").arg(quoted(text), reason)
+        };
+    };
+    const int equals = text.indexOf(QLatin1Char('='));
+    if (equals < 0) {
+        return wrong(QStringLiteral("it is not of the form MEMBER=FAULT"));
+    }
+    Fault fault;
+    fault.member = text.left(equals);
+    if (fault.member != everyMember && !isMember(fault.member)) {
+        return wrong(QStringLiteral("the interface has no member %1").arg(quoted(fault.member)));
+    }
+    const QString what = text.mid(equals + 1);
+    const QString word = what.section(QLatin1Char(':'), 0, 0);
+    const bool hasValue = word.size() < what.size();
+    const QString value = what.mid(word.size() + 1);
+    const auto *row =
+        std::find_if(std::begin(kinds), std::end(kinds),
+                     [&word](const KindRow &each) { return word == QLatin1String(each.word); });
+    const bool isKnown = row != std::end(kinds);
+    if (!isKnown || (row->value == Value::None && hasValue)
+        || (row->value == Value::Required && !hasValue)) {
+        return wrong(
+            QStringLiteral("%1 is not delay:MS, refuse, refuse:TEXT, wrong-type, vanish or silence")
+                .arg(quoted(what)));
+    }
+    fault.kind = row->kind;
+    fault.text = value.isEmpty() ? QStringLiteral("This call is refused on demand.") : value;
+    if (fault.kind == Fault::Kind::Delay
+        && (!element::parse(value, {}, fault.delay).isEmpty() || fault.delay < 0
+            || fault.delay > longestDelay)) {
+        return wrong(QStringLiteral("%1 is not in 0 to %2 milliseconds")
+                         .arg(quoted(value), QString::number(longestDelay)));
+    }
+    return { fault, {} };
+}
+
+const Fault *faultOf(const QVector<Fault> &faults, const QString &member)
+{
+    const Fault *found = nullptr;
+    for (const Fault &fault : faults) {
+        const bool isWorse = found == nullptr || found->member == everyMember;
+        if (fault.member == member || (fault.member == everyMember && isWorse)) {
+            found = &fault;
+        }
+    }
+    return found;
+}

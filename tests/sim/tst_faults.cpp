@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+// Faults on demand: what movra and other clients see of each, and that other calls go on.
+#include "tests/sim/simrun.h"
+
+#include <QDBusConnection>
+#include <QDBusVariant>
+#include <QElapsedTimer>
+#include <QtTest>
+
+namespace
+{
+
+const QString port = text(":config:data:ftp:port:");
+
+QString refusalBy(const char *sentence)
+{
+    return text("varn.pim.Error.Refused: ") + text(sentence);
+}
+
+} // namespace
+
+class TestFaults : public SimTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void movraMeets_data();
+    void movraMeets();
+    void aRefusedCallIsNotCarriedOut();
+    void theWrongTypeIsADouble();
+    void aDelayedCallHoldsUpNoOther();
+    void aDelayedCallIsCarriedOutLater();
+    void delayedCallsKeepTheirOrder();
+    void aSilentCallHoldsUpNoOther();
+    void whoVanishesSaysNothing();
+    void theLastFaultOfAMemberCounts_data();
+    void theLastFaultOfAMemberCounts();
+    void otherInterfacesAreSpared();
+
+private:
+    /// Starts the simulator anew with these faults.
+    bool startWith(const QStringList &faults)
+    {
+        QStringList options;
+        for (const QString &fault : faults) {
+            options += { text("--fault"), fault };
+        }
+        return stop() && start(options);
+    }
+};
+
+void TestFaults::movraMeets_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QStringList>("request");
+    QTest::addColumn<QByteArray>("out");
+    QTest::addColumn<int>("status");
+    const auto row = [](const char *fault, const QStringList &request, const char *out,
+                        int status) {
+        QTest::newRow(fault) << text(fault) << request << QByteArray(out) << status;
+    };
+    row("GetValue=delay:50", { text("GET"), port }, "21\n", 0);
+    row("GetValue=refuse", { text("GET"), port }, "Reply Not Valid   err=\n", 0);
+    row("DoAction=refuse:not today", { text("ACTION"), text(":action:data:ftp:ping:"), text("1") },
+        "Reply Not Valid     err=\n", 0);
+    row("DBusServerStatus=wrong-type", { text("SERVERSTAT") }, "Reply Not Valid     err=\n", 0);
+    row("ListConfigIds=wrong-type", { text("LIST"), text("CONFIGS") },
+        "Error While Parsing Command -- use -h for help   err:3\n", 3);
+    row("DbgLogGetIds=refuse", { text("DBG"), text("GET_IDS") }, "DBG GET_IDS  ERROR  err=\n", 0);
+    row("*=refuse", { text("SET"), port, text("22") }, "", 0);
+}
+
+void TestFaults::movraMeets()
+{
+    QFETCH(QString, fault);
+    QFETCH(QStringList, request);
+    QFETCH(QByteArray, out);
+    QFETCH(int, status);
+    QVERIFY(startWith({ fault }));
+    QProcess movra;
+    movra.start(text(MOVRA_PROGRAM), QStringList { text("com.varn.tul"), text("/") } + request);
+    QVERIFY(movra.waitForFinished());
+    QCOMPARE(movra.readAllStandardOutput(), out);
+    QCOMPARE(movra.readAllStandardError(), QByteArray());
+    QCOMPARE(movra.exitCode(), status);
+}
+
+void TestFaults::aRefusedCallIsNotCarriedOut()
+{
+    QVERIFY(startWith({ text("SetValue=refuse:a: b = c") }));
+    QCOMPARE(answerTo(service->SetValue(port, QDBusVariant(text("22")))), refusalBy("a: b = c"));
+    QCOMPARE(answerTo(service->GetValue(port)), text("v <21>"));
+}
+
+void TestFaults::theWrongTypeIsADouble()
+{
+    QVERIFY(startWith({ text("*=wrong-type") }));
+    QCOMPARE(answerTo(service->GetValue(port)),
+             text("org.freedesktop.DBus.Error.InvalidSignature: Unexpected reply signature: got "
+                  "\"d\", expected \"v\""));
+    QCOMPARE(answerTo(service->StartConfigNotify()), text("d 1.5"));
+}
+
+void TestFaults::aDelayedCallHoldsUpNoOther()
+{
+    QVERIFY(startWith({ text("GetValue=delay:3600000") }));
+    const QDBusPendingCall delayed = service->GetValue(port);
+    QCOMPARE(answerTo(service->GetStatus(port)), text("i 0"));
+    QVERIFY(!delayed.isFinished());
+    QVERIFY(stop());
+    QVERIFY(answerTo(delayed).startsWith(text("org.freedesktop.DBus.Error.NoReply: ")));
+}
+
+void TestFaults::aDelayedCallIsCarriedOutLater()
+{
+    QVERIFY(startWith({ text("SetValue=delay:200") }));
+    QElapsedTimer clock;
+    clock.start();
+    const QDBusPendingCall delayed = service->SetValue(port, QDBusVariant(text("22")));
+    QCOMPARE(answerTo(service->GetValue(port)), text("v <21>"));
+    QCOMPARE(answerTo(delayed), QString());
+    QVERIFY(clock.elapsed() >= 200);
+    QCOMPARE(answerTo(service->GetValue(port)), text("v <22>"));
+}
+
+void TestFaults::delayedCallsKeepTheirOrder()
+{
+    QVERIFY(startWith({ text("*=delay:20") }));
+    for (const char *value : { "1", "2", "3", "4" }) {
+        service->SetValue(port, QDBusVariant(text(value)));
+    }
+    QCOMPARE(answerTo(service->GetValue(port)), text("v <4>"));
+}
+
+void TestFaults::aSilentCallHoldsUpNoOther()
+{
+    QVERIFY(startWith({ text("SetValue=silence") }));
+    const QDBusPendingCall silent = service->SetValue(port, QDBusVariant(text("22")));
+    QCOMPARE(answerTo(service->GetValue(port)), text("v <21>"));
+    QVERIFY(!silent.isFinished());
+    QVERIFY(stop());
+    QVERIFY(answerTo(silent).startsWith(text("org.freedesktop.DBus.Error.NoReply: ")));
+}
+
+void TestFaults::whoVanishesSaysNothing()
+{
+    QVERIFY(startWith({ text("GetValue=vanish") }));
+    // The end of the simulator before this one is heard first.
+    QCOMPARE(takeHeard(), QStringList { text("SigDBusServerClosing movra-sim is closing") });
+    const QDBusPendingCall fatal = service->GetValue(port);
+    const QDBusPendingCall late = service->GetStatus(port);
+    QVERIFY(answerTo(fatal).startsWith(text("org.freedesktop.DBus.Error.NoReply: ")));
+    QVERIFY(!answerTo(late).startsWith(text("i ")));
+    QVERIFY(simulator->waitForFinished());
+    QCOMPARE(simulator->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(simulator->exitCode(), 0);
+    QCOMPARE(simulator->readAllStandardError(), QByteArray());
+    // A new service is heard after anything that the old one may have said.
+    QVERIFY(start());
+    QCOMPARE(takeHeard(), QStringList());
+}
+
+void TestFaults::theLastFaultOfAMemberCounts_data()
+{
+    QTest::addColumn<QStringList>("faults");
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("twice the same member")
+        << QStringList { text("GetValue=silence"), text("GetValue=refuse:b") } << refusalBy("b");
+    QTest::newRow("twice every member")
+        << QStringList { text("*=silence"), text("*=refuse:b") } << refusalBy("b");
+    QTest::newRow("the member before every member")
+        << QStringList { text("GetValue=refuse:a"), text("*=silence") } << refusalBy("a");
+    QTest::newRow("the member after every member")
+        << QStringList { text("*=silence"), text("GetValue=refuse:a") } << refusalBy("a");
+    QTest::newRow("another member")
+        << QStringList { text("GetValueStatus=silence") } << text("v <21>");
+    QTest::newRow("no sentence") << QStringList { text("GetValue=refuse:") }
+                                 << refusalBy("This call is refused on demand.");
+}
+
+void TestFaults::theLastFaultOfAMemberCounts()
+{
+    QFETCH(QStringList, faults);
+    QFETCH(QString, answer);
+    QVERIFY(startWith(faults));
+    QCOMPARE(answerTo(service->GetValue(port)), answer);
+}
+
+void TestFaults::otherInterfacesAreSpared()
+{
+    QVERIFY(startWith({ text("*=silence") }));
+    const QDBusMessage ping = QDBusMessage::createMethodCall(
+        text("com.varn.tul"), text("/"), text("org.freedesktop.DBus.Peer"), text("Ping"));
+    QCOMPARE(answerTo(QDBusConnection::sessionBus().asyncCall(ping)), QString());
+    const QDBusMessage unknown = QDBusMessage::createMethodCall(text("com.varn.tul"), text("/"),
+                                                                text("varn.pim"), text("Reboot"));
+    QVERIFY(answerTo(QDBusConnection::sessionBus().asyncCall(unknown))
+                .startsWith(text("org.freedesktop.DBus.Error.UnknownMethod: ")));
+}
+
+QTEST_GUILESS_MAIN(TestFaults)
+#include "tst_faults.moc"
