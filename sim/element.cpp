@@ -79,7 +79,9 @@ template <typename T> QString readInteger(const QJsonValue &json, T &out)
         return isNot(json.type(), QStringLiteral("a number"));
     }
     const QVariant number = json.toVariant();
-    if (number.userType() == QMetaType::LongLong) {
+    // Qt rounds what is just below the least qint64 up to it.
+    constexpr qint64 least = std::numeric_limits<qint64>::min();
+    if (number.userType() == QMetaType::LongLong && number.toLongLong() != least) {
         const QString text = QString::number(number.toLongLong());
         return element::parse(text, text, out);
     }

@@ -156,6 +156,8 @@ void TestValues::jsonBecomesAValue_data()
     row("one above uint32", "uint32", "4294967296", "! 4294967296 does not fit uint32");
     row("the least int64 as text", "int64", "\"-9223372036854775808\"", "-9223372036854775808");
     row("the greatest int64 as text", "int64", "\"9223372036854775807\"", "9223372036854775807");
+    row("the least int64 may have been rounded", "int64", "-9223372036854775808",
+        "! -9223372036854776000 is not exact as a JSON number; write it between quotes");
     row("one below int64", "int64", "\"-9223372036854775809\"",
         "! \"-9223372036854775809\" does not fit int64");
     row("one above int64", "int64", "\"9223372036854775808\"",
