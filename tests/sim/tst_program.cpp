@@ -6,6 +6,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -89,6 +90,7 @@ private Q_SLOTS:
     void init();
     void helpAndVersionNeedNoBus_data();
     void helpAndVersionNeedNoBus();
+    void theManualNamesEveryOptionAndStatus();
     void whatIsWrongHasItsLineAndItsStatus_data();
     void whatIsWrongHasItsLineAndItsStatus();
     void aTakenNameIsLeftToItsOwner();
@@ -152,6 +154,28 @@ void TestProgram::helpAndVersionNeedNoBus()
     QFETCH(QString, expected);
     environment.insert(text("DBUS_SESSION_BUS_ADDRESS"), text("unix:path=/nonexistent"));
     QCOMPARE(run(arguments), expected);
+}
+
+void TestProgram::theManualNamesEveryOptionAndStatus()
+{
+    QFile file(text(MOVRA_SIM_MANUAL));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString manual = QString::fromUtf8(file.readAll()).replace(text("\\-"), text("-"));
+    QRegularExpression word(text("--[a-z]+|^ {20}[a-z-]+|^  [0-9](?=  )"),
+                            QRegularExpression::MultilineOption);
+    QStringList words;
+    for (auto found = word.globalMatch(run({ text("--help") })); found.hasNext();) {
+        words.append(found.next().captured().trimmed());
+    }
+    words.removeDuplicates();
+    QCOMPARE(words.size(), 7 + 5 + 7);
+    for (const QString &each : qAsConst(words)) {
+        // An option or a fault is in bold, a status begins a line of the table.
+        const QString wanted =
+            text("(\\.[A-Z]+ |\\\\fB|, |^)%1\\b").arg(QRegularExpression::escape(each));
+        QVERIFY2(manual.contains(QRegularExpression(wanted, QRegularExpression::MultilineOption)),
+                 qPrintable(each));
+    }
 }
 
 void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
