@@ -126,10 +126,9 @@ void tst_Output::theMonitorGoesOn()
 void tst_Output::aMonitorWithoutAnyStreamHears()
 {
     FakeService service;
-    Program monitor("sh",
-                    QByteArrayList { "-c", "exec \"$0\" com.varn.tul / SIG <&- >&- 2>&-",
-                                     MOVRA_PROGRAM },
-                    busEnvironment());
+    Program monitor(
+        "sh", QByteArrayList { "-c", "exec \"$0\" com.varn.tul / SIG <&- >&- 2>&-", MOVRA_PROGRAM },
+        busEnvironment());
     // What Qt and the monitor print must not end up on the connection, which the bus would cut.
     QTRY_COMPARE(service.matchRules("com.varn.tul").size(), 7);
     service.emitSignal("SigInfo", "('x',)");
