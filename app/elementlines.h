@@ -2,14 +2,27 @@
 // Elements of an array as lines of text.
 #pragma once
 
+#include <array>
+#include <charconv>
 #include <ostream>
+#include <type_traits>
 #include <vector>
 
 /// Writes each element on a line of its own and flushes behind it; no elements write nothing.
-/// Doubles have six significant digits, the stream's own format.
+/// Numbers are as the stream itself would write them: doubles have six significant digits.
 template <typename T> void writeElementLines(std::ostream &out, const std::vector<T> &elements)
 {
-    for (const auto &element : elements) {
-        out << element << std::endl;
+    std::array<char, 32> line {};
+    char *const last = line.data() + line.size() - 1;
+    for (const auto element : elements) {
+        // Not through the stream's own formatting, which costs more than everything else here.
+        char *end = nullptr;
+        if constexpr (std::is_floating_point_v<T>) {
+            end = std::to_chars(line.data(), last, element, std::chars_format::general, 6).ptr;
+        } else {
+            end = std::to_chars(line.data(), last, +element).ptr; // a boolean is 1 or 0
+        }
+        *end++ = '\n';
+        out.write(line.data(), end - line.data()).flush();
     }
 }

@@ -5,7 +5,9 @@
 #include <QTest>
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
+#include <random>
 #include <sstream>
 
 namespace
@@ -29,6 +31,7 @@ private Q_SLOTS:
     void doublesHaveSixSignificantDigits();
     void integersAreDecimal();
     void booleansAreOneOrZero();
+    void anyBitsAreWrittenAsByTheStream();
 };
 
 void tst_ElementLines::noElementsAreNoLines()
@@ -58,6 +61,41 @@ void tst_ElementLines::integersAreDecimal()
 void tst_ElementLines::booleansAreOneOrZero()
 {
     QCOMPARE(linesOf<bool>({ true, false }), QByteArray("1\n0\n"));
+}
+
+void tst_ElementLines::anyBitsAreWrittenAsByTheStream()
+{
+    std::vector<double> elements;
+    const auto addBits = [&elements](uint64_t bits) {
+        double element = 0;
+        std::memcpy(&element, &bits, sizeof element);
+        elements.push_back(element);
+    };
+    constexpr uint64_t signBit = UINT64_C(1) << 63;
+    for (const uint64_t bits : {
+             UINT64_C(0), UINT64_C(1), // zero and the smallest number
+             UINT64_C(0x000fffffffffffff), UINT64_C(0x0010000000000000), // subnormal, normal
+             UINT64_C(0x7fefffffffffffff), UINT64_C(0x7ff0000000000000), // largest, infinity
+             UINT64_C(0x7ff0000000000001), UINT64_C(0x7ff8000000000000), // not a number
+         }) {
+        addBits(bits);
+        addBits(bits | signBit);
+    }
+    std::mt19937_64 random(1); // NOLINT(*-msc51-cpp): the same numbers every time
+    constexpr int rounds = 100000;
+    for (int i = 0; i < rounds; ++i) {
+        addBits(random());
+        // Numbers of everyday size, many of them halfway between two texts, and whole ones.
+        const auto number = static_cast<double>(random() % 200000001) - 1e8;
+        elements.push_back(number / 64);
+        elements.push_back(number / 1000);
+        elements.push_back(number);
+    }
+    std::ostringstream expected;
+    for (const double element : elements) {
+        expected << element << '\n';
+    }
+    QCOMPARE(linesOf(elements), QByteArray::fromStdString(expected.str()));
 }
 
 QTEST_APPLESS_MAIN(tst_ElementLines)
