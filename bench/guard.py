@@ -1,0 +1,79 @@
+# SPDX-License-Identifier: MIT
+"""Fails if movra takes more instructions than what is written down in guard.figures:
+    guard.py MOVRA FOLDER_OF_BENCH_PROGRAMS BUILD_TYPE COMPILER
+Runs on a private bus, as the test bench.guard. Instructions, unlike times, are the same on a busy
+machine. What the loader does, which is most of a run, is not counted.
+"""
+import os
+import pathlib
+import platform
+import shutil
+import sys
+
+from bus import SERVICE, TICK, Monitor, collected, emit, instructions, start_service
+
+SKIPPED = 77
+
+
+def of_an_element(movra):
+    """Of printing one more double of an array, reading it from the message included."""
+    def of_array(size):
+        return instructions([movra, SERVICE, f"/n{size}", "GET", ":bench:doubleARRAY:"])
+    return (of_array(11000) - of_array(1000)) / 10000
+
+
+def of_a_line(movra):
+    """Of the slot that prints a signal. Qt's thread, which takes the message apart, is left out:
+    it takes far more, and not always the same."""
+    lines = 5000
+    command = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
+               "--toggle-collect=Movra::sigUpdateSlot*", movra, SERVICE, "/", "SIG"]
+    with Monitor(command) as monitor:
+        emit(TICK.decode(), lines)
+        taken, _ = monitor.take(lines)
+        if taken != lines:
+            raise SystemExit(f"The monitor printed {taken} of {lines} signals.")
+        return collected(monitor.end()) / lines
+
+
+def of_a_request(movra, programs):
+    """Of main() for a GET, beyond what a bare Qt program takes for the same."""
+    def in_main(command):
+        return instructions(command, "--toggle-collect=main")
+    return in_main([movra, SERVICE, "/", "GET", ":bench:string:"]) \
+        - in_main([f"{programs}/bench_minimal"])
+
+
+def written_figures():
+    text = pathlib.Path(__file__).with_name("guard.figures").read_text(encoding="ascii")
+    rows = [line.split() for line in text.splitlines() if not line.startswith("#")]
+    return {name: (float(figure), float(margin)) for name, figure, margin in rows}
+
+
+def main():
+    movra, programs, build_type, compiler = sys.argv[1:]
+    if not shutil.which("valgrind"):
+        print("Skipped: valgrind is not installed.")
+        return SKIPPED
+    if (build_type, compiler, platform.machine()) != ("Release", "GNU", "x86_64"):
+        print("Skipped: the figures are those of a release build with g++ for amd64.")
+        return SKIPPED
+    os.environ["LD_BIND_NOW"] = "1"  # the loader has done all that it does when main() begins
+    service = start_service(programs)
+    try:
+        counted = {"element": of_an_element(movra), "line": of_a_line(movra),
+                   "request": of_a_request(movra, programs)}
+    finally:
+        service.terminate()
+        service.wait()
+    grown = 0
+    for name, (figure, margin) in written_figures().items():
+        more = (counted[name] / figure - 1) * 100
+        print(f"{name}: {counted[name]:.0f} instructions, {figure:.0f} written down,"
+              f" {more:+.1f} in 100, at most {margin:+.0f}")
+        grown += more > margin or counted[name] <= 0
+    return 1 if grown else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
