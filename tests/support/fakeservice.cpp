@@ -6,6 +6,7 @@
 
 #include <QList>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
@@ -14,6 +15,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -166,11 +168,38 @@ struct FakeService::Private {
         GError *error = nullptr;
         GVariant *reply = g_dbus_connection_call_sync(
             connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", interface, member,
-            arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
+            arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, G_MAXINT, nullptr, &error);
         if (reply == nullptr) {
             fail(member, error);
         }
         return Value(reply);
+    }
+
+    struct Rule {
+        QByteArray holder; ///< the unique name of a connection
+        QByteArray text;
+    };
+    std::vector<Rule> rulesFor(const QByteArray &service) const
+    {
+        const Value reply =
+            callBus("org.freedesktop.DBus.Debug.Stats", "GetAllMatchRules", nullptr);
+        const Value all(g_variant_get_child_value(reply.get(), 0));
+        std::vector<Rule> rules;
+        GVariantIter connections;
+        g_variant_iter_init(&connections, all.get());
+        const char *holder = nullptr;
+        GVariant *ofConnection = nullptr;
+        while (g_variant_iter_loop(&connections, "{&s@as}", &holder, &ofConnection) != FALSE) {
+            GVariantIter each;
+            g_variant_iter_init(&each, ofConnection);
+            const char *rule = nullptr;
+            while (g_variant_iter_loop(&each, "&s", &rule) != FALSE) {
+                if (std::strstr(rule, ("sender='" + service + '\'').constData()) != nullptr) {
+                    rules.push_back({ holder, rule });
+                }
+            }
+        }
+        return rules;
     }
 };
 
@@ -290,21 +319,23 @@ void FakeService::emitSignal(const QByteArray &member, const QByteArray &body,
 
 QByteArrayList FakeService::matchRules(const QByteArray &service) const
 {
-    const Value reply = d->callBus("org.freedesktop.DBus.Debug.Stats", "GetAllMatchRules", nullptr);
-    const Value all(g_variant_get_child_value(reply.get(), 0));
-    QByteArrayList rules;
-    GVariantIter connections;
-    g_variant_iter_init(&connections, all.get());
-    GVariant *ofConnection = nullptr;
-    while (g_variant_iter_loop(&connections, "{s@as}", nullptr, &ofConnection) != FALSE) {
-        GVariantIter each;
-        g_variant_iter_init(&each, ofConnection);
-        const char *rule = nullptr;
-        while (g_variant_iter_loop(&each, "&s", &rule) != FALSE) {
-            if (std::strstr(rule, ("sender='" + service + '\'').constData()) != nullptr) {
-                rules.append(rule);
-            }
-        }
+    QByteArrayList texts;
+    for (const Private::Rule &rule : d->rulesFor(service)) {
+        texts.append(rule.text);
     }
-    return rules;
+    return texts;
+}
+
+bool FakeService::waitUntilTaken(const QByteArray &service) const
+{
+    (void)d->callBus("org.freedesktop.DBus", "GetId", nullptr);
+    const std::vector<Private::Rule> rules = d->rulesFor(service);
+    return std::all_of(rules.cbegin(), rules.cend(), [this](const Private::Rule &rule) {
+        // A connection answers this by itself, in its turn, however busy the program behind it is.
+        constexpr int patienceMs = 10000;
+        const Value reply(g_dbus_connection_call_sync(
+            d->connection, rule.holder.constData(), "/", "org.freedesktop.DBus.Peer", "Ping",
+            nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, patienceMs, nullptr, nullptr));
+        return reply != nullptr;
+    });
 }

@@ -56,6 +56,9 @@ public:
 
     /// The match rules that anybody holds at the bus for signals of a service (by its name).
     QByteArrayList matchRules(const QByteArray &service) const;
+    /// Waits until everybody who holds such a rule has taken off the bus what was emitted before;
+    /// false if somebody does not within 10 s after the bus has it.
+    bool waitUntilTaken(const QByteArray &service) const;
 
 private:
     struct Private;

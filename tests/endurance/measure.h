@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+// How long an endurance test is, and what it found out.
+#pragma once
+
+#include <sys/types.h>
+
+/// The number in an environment variable, or `usual` if there is none.
+int setting(const char *variable, int usual);
+
+/// Prints "figure: NAME VALUE UNIT" on a line; scripts/soak collects these lines.
+void figure(const char *name, double value, const char *unit);
+
+/// A line of a process's /proc/PID/status, such as "VmHWM" (the most memory it ever had), in KiB;
+/// 0 if there is none.
+int memoryOf(pid_t process, const char *field);
