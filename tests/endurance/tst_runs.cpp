@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// Every form of a request again and again, side by side, against one service: MOVRA_ENDURANCE_RUNS
+// runs of each form (10 unless set). Each prints the same, sends the same and ends the same.
+#include "tests/endurance/forms.h"
+#include "tests/endurance/measure.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+
+class tst_Runs : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyFormTheSameEachTime();
+};
+
+void tst_Runs::everyFormTheSameEachTime()
+{
+    using Milliseconds = std::chrono::duration<double, std::milli>;
+    constexpr int ofEachAtATime = 2;
+    const int runsOfEach = setting("MOVRA_ENDURANCE_RUNS", 10);
+    const std::vector<MovraRow> rows = forms();
+    FakeService service;
+    prepareForForms(service);
+
+    int done = 0;
+    Milliseconds longest {};
+    const auto begin = std::chrono::steady_clock::now();
+    for (int left = runsOfEach; left > 0; left -= ofEachAtATime) {
+        std::vector<std::unique_ptr<Program>> programs;
+        QByteArrayList expectedCalls;
+        for (int i = std::min(left, ofEachAtATime); i > 0; --i) {
+            for (const MovraRow &row : rows) {
+                programs.push_back(
+                    std::make_unique<Program>(MOVRA_PROGRAM, row.arguments, busEnvironment()));
+                expectedCalls += row.calls;
+            }
+        }
+        for (std::size_t i = 0; i < programs.size(); ++i) {
+            const MovraRow &row = rows[i % rows.size()];
+            Program &program = *programs[i];
+            const QByteArray about =
+                QByteArray(row.name) + ", after " + QByteArray::number(done) + " runs";
+            QVERIFY2(program.waitForEnd(), about.constData());
+            QVERIFY2(program.out == row.out, (about + ": " + program.out).constData());
+            QVERIFY2(program.err.isEmpty(), (about + ": " + program.err).constData());
+            QVERIFY2(program.status == row.status,
+                     (about + ": " + QByteArray::number(program.status)).constData());
+            longest = std::max(longest, Milliseconds(program.ended - program.started));
+            ++done;
+        }
+        QByteArrayList calls = service.waitForCalls(expectedCalls.size());
+        // Side by side they arrive in any order.
+        std::sort(calls.begin(), calls.end());
+        std::sort(expectedCalls.begin(), expectedCalls.end());
+        QCOMPARE(calls, expectedCalls);
+    }
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+    figure("runs.rate", done / time.count(), "runs/s");
+    figure("runs.longest", longest.count(), "ms");
+}
+
+QTEST_GUILESS_MAIN(tst_Runs)
+#include "tst_runs.moc"
