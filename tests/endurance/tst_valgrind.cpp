@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// One run of each form of a request, and a monitor, under valgrind's memcheck: no invalid access,
+// no value that was never set, nothing definitely lost.
+#include "tests/endurance/forms.h"
+#include "tests/endurance/measure.h"
+#include "tests/endurance/numberedsignals.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+
+class tst_Valgrind : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit tst_Valgrind(const QByteArray &program)
+        : valgrind(program)
+    {
+    }
+
+private Q_SLOTS:
+    void everyForm();
+    void theMonitor();
+
+private:
+    std::unique_ptr<Program> start(const QByteArrayList &arguments) const;
+
+    QByteArray valgrind;
+};
+
+std::unique_ptr<Program> tst_Valgrind::start(const QByteArrayList &arguments) const
+{
+    const QByteArrayList options { "--quiet", "--leak-check=full", "--show-leak-kinds=definite",
+                                   "--errors-for-leak-kinds=definite", "--error-exitcode=99" };
+    return std::make_unique<Program>(
+        valgrind, options + QByteArrayList { MOVRA_PROGRAM } + arguments, busEnvironment());
+}
+
+void tst_Valgrind::everyForm()
+{
+    constexpr std::size_t atATime = 4;
+    const std::vector<MovraRow> rows = forms();
+    FakeService service;
+    prepareForForms(service);
+    std::vector<std::unique_ptr<Program>> programs;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        while (programs.size() < i + atATime && programs.size() < rows.size()) {
+            programs.push_back(start(rows[programs.size()].arguments));
+        }
+        Program &program = *programs[i];
+        QVERIFY2(program.waitForEnd(), rows[i].name);
+        QVERIFY2(program.err.isEmpty(), (rows[i].name + (":\n" + program.err)).constData());
+        QCOMPARE(program.out, rows[i].out);
+        QCOMPARE(program.status, rows[i].status);
+    }
+}
+
+void tst_Valgrind::theMonitor()
+{
+    const int count = setting("MOVRA_ENDURANCE_VALGRIND", 800);
+    FakeService service;
+    const std::unique_ptr<Program> monitor = start({ "com.varn.tul", "/", "SIG" });
+    QVERIFY(waitUntilHeard(*monitor, service));
+    QByteArray expected;
+    for (int number = 0; number < count; ++number) {
+        emitNumbered(service, number);
+        expected += numberedLine(number);
+    }
+    QVERIFY(monitor->waitForLines(count));
+    QCOMPARE(monitor->out, expected);
+    // Valgrind looks for leaks when the signal comes.
+    monitor->send(SIGTERM);
+    QVERIFY(monitor->waitForEnd());
+    // The one warning of every monitor, and nothing of valgrind's.
+    QVERIFY2(monitor->err.count('\n') == 1, monitor->err.constData());
+    QCOMPARE(monitor->status, 256 + SIGTERM);
+}
+
+int main(int argc, char **argv)
+{
+    const QString valgrind = QStandardPaths::findExecutable(QStringLiteral("valgrind"));
+    if (valgrind.isEmpty()) {
+        constexpr int skipped = 77;
+        std::puts("Skipped: there is no valgrind; scripts/install-packages ci installs it.");
+        return skipped;
+    }
+    const QCoreApplication application(argc, argv);
+    tst_Valgrind test(QFile::encodeName(valgrind));
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_valgrind.moc"
