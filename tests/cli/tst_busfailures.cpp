@@ -13,7 +13,7 @@
 namespace
 {
 
-const CommandForm monitor { "SIG", { "SIG" }, "", "", "", "", "", 0, false };
+const CommandForm monitor { "SIG", { "SIG" }, "", {}, {}, "", {}, {}, 0, false };
 
 QByteArrayList requestOf(const CommandForm &form)
 {

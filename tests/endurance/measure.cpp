@@ -6,11 +6,6 @@
 
 #include <cstdio>
 
-int setting(const char *variable, int usual)
-{
-    return qEnvironmentVariableIsSet(variable) ? qEnvironmentVariableIntValue(variable) : usual;
-}
-
 void figure(const char *name, double value, const char *unit)
 {
     std::printf("figure: %s %.*f %s\n", name, value < 100 ? 2 : 0, value, unit);

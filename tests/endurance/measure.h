@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
-// How long an endurance test is, and what it found out.
+// What an endurance test found out.
 #pragma once
 
 #include <sys/types.h>
-
-/// The number in an environment variable, or `usual` if there is none.
-int setting(const char *variable, int usual);
 
 /// Prints "figure: NAME VALUE UNIT" on a line; scripts/soak collects these lines.
 void figure(const char *name, double value, const char *unit);

@@ -5,6 +5,7 @@
 #include "tests/endurance/measure.h"
 #include "tests/endurance/numberedsignals.h"
 #include "tests/support/movrarun.h"
+#include "tests/support/setting.h"
 
 #include <QTest>
 

@@ -2,26 +2,15 @@
 // Every request that calls the service, and how to make it inside this process.
 #pragma once
 
+#include "tests/support/commandforms.h"
 #include "tests/support/openmovra.h"
 
 #include <QByteArray>
-#include <QByteArrayList>
 
 #include <vector>
 
-/// One request, and what becomes of it when the service lies.
-struct Request {
-    const char *name;
-    int (Movra::*handler)(char **argv);
-    QByteArrayList arguments; ///< behind the command word
-    const char *member; ///< that the service is asked for
-    const char *expected; ///< what a reply's signature must begin with to be taken
-    const char *failure; ///< what is printed if it does not
-    int failureStatus;
-};
-
-/// Every command and sub-word; the monitor apart.
-const std::vector<Request> &requests();
+/// Every command form, and GET with ids of several kinds of array.
+const std::vector<CommandForm> &requests();
 
 /// What a request printed and how it ended.
 struct Outcome {
@@ -30,12 +19,10 @@ struct Outcome {
     QByteArray err;
 };
 
-/// Makes the request; returns when its handler does.
-Outcome make(const Request &request, Movra &movra);
+/// Makes the request, and returns when its handler does; adds the line that the entry point prints
+/// about a status.
+Outcome make(const CommandForm &request, Movra &movra);
 
 /// Says what is wrong with an outcome, or nothing: status, standard error, and on standard output
 /// what every reply that was taken, or was not, must lead to.
-QByteArray faultOf(const Request &request, const Outcome &outcome, bool taken);
-
-/// A number from the environment, or the usual one.
-int setting(const char *name, int usual);
+QByteArray faultOf(const CommandForm &request, const Outcome &outcome, bool taken);

@@ -4,9 +4,9 @@
 #include "app/messagefilter.h"
 #include "bus/proxies.h"
 #include "tests/hostile/randomreply.h"
-#include "tests/hostile/requests.h"
 #include "tests/support/capture.h"
 #include "tests/support/fakeservice.h"
+#include "tests/support/setting.h"
 
 #include <QTest>
 

@@ -4,6 +4,7 @@
 #include "tests/hostile/requests.h"
 #include "tests/support/fakeservice.h"
 #include "tests/support/movrarun.h"
+#include "tests/support/setting.h"
 
 #include <QTest>
 
@@ -77,7 +78,8 @@ void tst_Owners::requestsDuringAQuarrel()
     }
     OpenMovra movra;
     QVERIFY(movra.connectToService("com.varn.tul", "/"));
-    const Request request { "", &Movra::serverStatCommand, {}, "", "", "", 0 };
+    CommandForm request {};
+    request.words = { "SERVERSTAT" };
     for (int run = setting("MOVRA_HOSTILE_RUNS", 200); run > 0; --run) {
         const Outcome outcome = make(request, movra);
         QCOMPARE(outcome.out, QByteArray("5\n"));

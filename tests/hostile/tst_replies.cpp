@@ -6,6 +6,7 @@
 #include "tests/hostile/randomreply.h"
 #include "tests/hostile/requests.h"
 #include "tests/support/fakeservice.h"
+#include "tests/support/setting.h"
 
 #include <QDir>
 #include <QTest>
@@ -29,7 +30,7 @@ private Q_SLOTS:
 private:
     static void addRequests();
     /// Makes the request and compares what must hold; the reply was taken or it was not.
-    void check(const Request &request, bool taken, const QByteArray &reply);
+    void check(const CommandForm &request, bool taken, const QByteArray &reply);
 
     std::unique_ptr<FakeService> service;
     std::unique_ptr<OpenMovra> movra;
@@ -62,12 +63,12 @@ void tst_Replies::addRequests()
 {
     QTest::addColumn<int>("index");
     int index = 0;
-    for (const Request &request : requests()) {
-        QTest::newRow(request.name) << index++;
+    for (const CommandForm &request : requests()) {
+        QTest::addRow("%s %s", request.name, request.words.last().constData()) << index++;
     }
 }
 
-void tst_Replies::check(const Request &request, bool taken, const QByteArray &reply)
+void tst_Replies::check(const CommandForm &request, bool taken, const QByteArray &reply)
 {
     const QByteArray fault = faultOf(request, make(request, *movra), taken);
     QVERIFY2(fault.isEmpty(), QByteArray(fault + " after " + reply.left(2000)).constData());
@@ -78,32 +79,32 @@ void tst_Replies::check(const Request &request, bool taken, const QByteArray &re
 void tst_Replies::randomReplies()
 {
     QFETCH(int, index);
-    const Request &request = requests().at(static_cast<std::size_t>(index));
+    const CommandForm &request = requests().at(static_cast<std::size_t>(index));
     // Each row from the seed anew, so that one row alone replays what it did among others.
     RandomReplies replies(seed);
     for (int run = 0; run < runs && !QTest::currentTestFailed(); ++run) {
-        const RandomReply reply = replies.next(request.expected);
+        const RandomReply reply = replies.next(request.signature);
         service->answer(request.member, reply.text);
-        check(request, reply.signature.startsWith(request.expected), reply.text);
+        check(request, reply.signature.startsWith(request.signature), reply.text);
     }
 }
 
 void tst_Replies::everyReplyTwice()
 {
     QFETCH(int, index);
-    const Request &request = requests().at(static_cast<std::size_t>(index));
+    const CommandForm &request = requests().at(static_cast<std::size_t>(index));
     RandomReplies replies(seed);
     for (int run = 0; run < runs / 10 && !QTest::currentTestFailed(); ++run) {
-        const RandomReply reply = replies.next(request.expected);
+        const RandomReply reply = replies.next(request.signature);
         service->answerTwice(request.member, reply.text);
-        check(request, reply.signature.startsWith(request.expected), reply.text);
+        check(request, reply.signature.startsWith(request.signature), reply.text);
     }
 }
 
 void tst_Replies::randomErrors()
 {
     QFETCH(int, index);
-    const Request &request = requests().at(static_cast<std::size_t>(index));
+    const CommandForm &request = requests().at(static_cast<std::size_t>(index));
     RandomReplies replies(seed);
     for (int run = 0; run < runs / 4 && !QTest::currentTestFailed(); ++run) {
         // Honest errors carry one string.

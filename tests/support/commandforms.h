@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Every command form, with what it prints when its call succeeds and when it fails: one axis of the
-// failure tests.
+// Every command form, with what it sends and what it prints when its call succeeds and when it
+// fails.
 #pragma once
 
 #include <QByteArray>
 #include <QByteArrayList>
 
 #include <vector>
+
+class FakeService;
 
 /// A request as it is typed behind service and path, and what may come of it.
 struct CommandForm {
@@ -15,6 +17,7 @@ struct CommandForm {
     const char *member; ///< that is called
     QByteArray call; ///< what reaches the service
     QByteArray answer; ///< of the service, in GVariant text
+    const char *signature; ///< of the answer; one that does not begin with it is a failed call
     QByteArray out; ///< printed upon that answer; the status is 0
     QByteArray failed; ///< printed upon a failed call
     int failedStatus;
@@ -29,3 +32,6 @@ std::vector<CommandForm> waitingCommands();
 
 /// One form of each command.
 std::vector<CommandForm> commands();
+
+/// Lets the service answer every form as its row says.
+void answerAll(FakeService &service);
