@@ -19,13 +19,19 @@ install(FILES completions/_movra DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-f
 install(FILES completions/movra.fish
   DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(FILES bus/varn.pim.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
-file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
-install(FILES README.md CHANGELOG.md ${documents}
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
+# Beside the README as in the sources, so that its links and the pictures work.
+file(GLOB documents CONFIGURE_DEPENDS docs/*.md docs/*.svg docs/*.csv)
+list(REMOVE_ITEM documents ${PROJECT_SOURCE_DIR}/docs/catalog.md)
+install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra-sim)
 install(FILES sim/catalog.json sim/catalog.schema.json
   DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
+install(FILES docs/catalog.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra-sim)
+# For the README's link; of this component, as the link would lead nowhere without the file.
+file(CREATE_LINK ../../movra-sim/catalog.md ${PROJECT_BINARY_DIR}/catalog.md SYMBOLIC)
+install(FILES ${PROJECT_BINARY_DIR}/catalog.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
 
 unset(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME)
 

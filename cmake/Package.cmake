@@ -21,6 +21,8 @@ One run makes one request to an application service that answers the
 interface varn.pim, and prints the answer: read and write items, list them,
 start actions, load and save configurations, control notifications and the
 debug log. A monitor prints the service's signals.")
+# The completions ask with dbus-send.
+set(CPACK_DEBIAN_MOVRA_PACKAGE_RECOMMENDS dbus-bin)
 set(CPACK_DEBIAN_MOVRA_PACKAGE_SUGGESTS movra-sim)
 
 set(CPACK_DEBIAN_MOVRA-SIM_PACKAGE_NAME movra-sim)

@@ -6,8 +6,8 @@
 #   <!-- not run: REASON -->      the block is only to be read; every block that is not run says so
 #   <!-- file: NAME -->           the block is what that file holds
 #   <!-- run: COMMAND -->         is run where it stands, and is not shown
-# In a manual page, which has .\" for <!-- and -->, blocks between .EX and .EE or .nf and .fi are
-# sessions if they begin with "$ ".
+# In a manual page, which has .\" for <!-- and -->, blocks between .EX and .EE are such sessions, or
+# marked; one between .nf and .fi that does not begin with "$ " is only to be read.
 
 function complain(what)
 {
@@ -39,7 +39,7 @@ function sessionLine(text)
     if (block == "") {
         block = mark != "" ? mark : text ~ /^\$ / ? "session" : "text"
         mark = ""
-        if (block == "text" && !manual) {
+        if (block == "text" && inside != ".nf") {
             complain("this block is neither run nor marked")
         }
     }
@@ -70,7 +70,7 @@ fence != "" { fenceLine($0); next }
 
 /^$/ { ++blank; next }
 
-manual && inside && /^\.(EE|fi)$/ { inside = 0 }
+manual && inside && /^\.(EE|fi)$/ { inside = "" }
 manual && inside {
     gsub(/\\&|\\f[BIR]/, "")
     gsub(/\\ /, " ")
@@ -83,7 +83,7 @@ manual && inside {
     sessionLine($0)
     next
 }
-manual && /^\.(EX|nf)$/ { inside = 1; block = "" }
+manual && /^\.(EX|nf)$/ { inside = $0; block = "" }
 
 !manual && /^    / && (block != "" || blank > 0) { sessionLine(substr($0, 5)); next }
 

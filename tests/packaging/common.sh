@@ -30,6 +30,11 @@ but is:
 $3"
 }
 
+# documents: the names of docs/ that are installed, a line each.
+documents() {
+    (cd "$source/docs" && printf '%s\n' *.md *.svg *.csv)
+}
+
 # answers DIRECTORY: the programs in that directory, and no others, talk to each other.
 answers() {
     same "The version of movra-sim" "movra-sim $version" "$("$1/movra-sim" --version)"
