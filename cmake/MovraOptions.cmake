@@ -21,4 +21,5 @@ if(MOVRA_SANITIZE)
   target_compile_options(movra_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(movra_options INTERFACE -fsanitize=address,undefined)
+  target_compile_definitions(movra_options INTERFACE MOVRA_SANITIZED)
 endif()

@@ -2,6 +2,7 @@
 // What each command prints, and how it ends, when there is no bus, when the bus refuses, and when
 // it stops or dies on the way. Every bus here is the test's own.
 #include "tests/support/commandforms.h"
+#include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
 #include "tests/support/privatebus.h"
 
@@ -12,13 +13,6 @@
 
 namespace
 {
-
-const CommandForm monitor { "SIG", { "SIG" }, "", {}, {}, "", {}, {}, 0, false };
-
-QByteArrayList requestOf(const CommandForm &form)
-{
-    return QByteArrayList { "com.varn.tul", "/" } + form.words;
-}
 
 /// Programs that run side by side, one for each form.
 class Runs
@@ -82,12 +76,14 @@ private:
     Program program;
 };
 
-void waitsUntilItIsEnded(Program &program)
+/// The number of lines on standard error is the monitor's one warning, or none.
+void waitsUntilItIsEnded(Program &program, int warnings = 0)
 {
     QVERIFY(program.runs());
     program.send(SIGTERM);
     QVERIFY(program.waitForEnd());
     QCOMPARE(program.out, QByteArray());
+    QCOMPARE(program.err.count('\n'), warnings);
     QCOMPARE(program.status, 256 + SIGTERM);
 }
 
@@ -125,8 +121,8 @@ private:
 
 void tst_BusFailures::noCommandConnects(const QByteArrayList &environment)
 {
-    std::vector<CommandForm> all = commands();
-    all.push_back(monitor);
+    std::vector<CommandForm> all = firstForms();
+    all.push_back(monitorForm());
     Runs(all, environment).forEach([](const CommandForm & /*form*/, Program &program) {
         endsWith(program, "Client DBus Interface not valid, error: Not connected to D-Bus server\n",
                  1);
@@ -189,11 +185,11 @@ void tst_BusFailures::aBusThatRefusesCalls()
     QFETCH(bool, callsArrive);
     const PrivateBus bus(rules);
     FakeService service("com.varn.tul", bus.address);
-    for (const CommandForm &form : commands()) {
+    for (const CommandForm &form : firstForms()) {
         service.ignore(form.member);
     }
-    Runs(commands(), busEnvironment(bus.address)).forEach(failsAsItDoes);
-    const int count = callsArrive ? static_cast<int>(commands().size()) : 0;
+    Runs(firstForms(), busEnvironment(bus.address)).forEach(failsAsItDoes);
+    const int count = callsArrive ? static_cast<int>(firstForms().size()) : 0;
     QCOMPARE(service.takeCalls().size(), count);
 }
 
@@ -221,8 +217,8 @@ void tst_BusFailures::aBusThatStoppedBeforeTheStart()
     Witness witness;
     const PrivateBus bus;
     bus.daemon->send(SIGSTOP);
-    std::vector<CommandForm> all = commands();
-    all.push_back(monitor);
+    std::vector<CommandForm> all = firstForms();
+    all.push_back(monitorForm());
     Runs runs(all, busEnvironment(bus.address));
     witness.end();
     runs.forEach(
@@ -235,16 +231,15 @@ void tst_BusFailures::theMonitorOutlastsTheBus()
     Witness witness;
     const PrivateBus bus;
     FakeService service("com.varn.tul", bus.address);
-    Program program(MOVRA_PROGRAM, requestOf(monitor), busEnvironment(bus.address));
-    QTRY_COMPARE(service.matchRules("com.varn.tul").size(), 7);
+    Program program(MOVRA_PROGRAM, requestOf(monitorForm()), busEnvironment(bus.address));
+    QVERIFY(waitUntilListening(service));
     service.emitSignal("SigInfo", "('before',)");
     QVERIFY(program.waitForLines(1));
     QCOMPARE(program.out, QByteArray("===Client sigInfoSlot  msg=before\n"));
     program.forgetOutput();
     bus.daemon->send(signal);
     witness.end();
-    waitsUntilItIsEnded(program);
-    QCOMPARE(program.err.count('\n'), 1);
+    waitsUntilItIsEnded(program, 1);
 }
 
 void tst_BusFailures::aBusThatWithholdsASignal()
@@ -252,8 +247,8 @@ void tst_BusFailures::aBusThatWithholdsASignal()
     const PrivateBus bus("<policy context='mandatory'><deny receive_interface='varn.pim' "
                          "receive_member='SigAlarm'/></policy>");
     FakeService service("com.varn.tul", bus.address);
-    Program program(MOVRA_PROGRAM, requestOf(monitor), busEnvironment(bus.address));
-    QTRY_COMPARE(service.matchRules("com.varn.tul").size(), 7);
+    Program program(MOVRA_PROGRAM, requestOf(monitorForm()), busEnvironment(bus.address));
+    QVERIFY(waitUntilListening(service));
     service.emitSignal("SigInfo", "('before',)");
     QVERIFY(program.waitForLines(1));
     service.emitSignal("SigAlarm", "('withheld',)");
@@ -272,7 +267,7 @@ void tst_BusFailures::theHalfSecondOutlastsTheBus()
         std::unique_ptr<Program> program;
     };
     std::vector<Run> runs;
-    for (const CommandForm &form : commands()) {
+    for (const CommandForm &form : firstForms()) {
         auto bus = std::make_unique<PrivateBus>();
         FakeService service("com.varn.tul", bus->address);
         // Upon an error everybody who waits prints a line.

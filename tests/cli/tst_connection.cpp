@@ -4,7 +4,6 @@
 
 #include <QTest>
 
-#include <algorithm>
 #include <chrono>
 
 namespace
@@ -96,8 +95,6 @@ private Q_SLOTS:
     }
     void theHalfSecond_data();
     void theHalfSecond();
-    void failedConnectionsDoNotWait_data();
-    void failedConnectionsDoNotWait();
 
 private:
     MovraRows table { rows() };
@@ -147,38 +144,6 @@ void tst_Connection::theHalfSecond()
     // The upper limit is wide because machines are busy.
     QVERIFY2(whole.count() >= 500 && whole.count() < 10000,
              QByteArray::number(whole.count()).constData());
-}
-
-void tst_Connection::failedConnectionsDoNotWait_data()
-{
-    QTest::addColumn<QByteArrayList>("arguments");
-    QTest::addColumn<QByteArrayList>("environment");
-    const QByteArrayList bus = busEnvironment();
-    QTest::newRow("nobody owns the name")
-        << QByteArrayList { "com.varn.nobody", "/", "SERVERSTAT" } << bus;
-    QTest::newRow("a malformed name") << QByteArrayList { "a..b", "/", "SERVERSTAT" } << bus;
-    QTest::newRow("a malformed path")
-        << QByteArrayList { "com.varn.nobody", "x", "SERVERSTAT" } << bus;
-    QTest::newRow("no bus") << QByteArrayList { "com.varn.tul", "/", "SERVERSTAT" }
-                            << baseEnvironment();
-    QTest::newRow("usage text") << QByteArrayList { "-h" } << bus;
-}
-
-void tst_Connection::failedConnectionsDoNotWait()
-{
-    QFETCH(QByteArrayList, arguments);
-    QFETCH(QByteArrayList, environment);
-
-    // A run that waited could never be quicker than the timer; one that does not wait may be slow
-    // on a busy machine, so the quickest of several counts.
-    std::chrono::duration<double, std::milli> quickest { 1e9 };
-    for (int i = 0; i < 40 && quickest.count() >= 500; ++i) {
-        Program program(MOVRA_PROGRAM, arguments, environment);
-        QVERIFY(program.waitForEnd());
-        QCOMPARE(program.status, 1);
-        quickest = std::min<decltype(quickest)>(quickest, program.ended - program.started);
-    }
-    QVERIFY2(quickest.count() < 500, QByteArray::number(quickest.count()).constData());
 }
 
 QTEST_GUILESS_MAIN(tst_Connection)

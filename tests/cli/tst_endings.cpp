@@ -34,10 +34,9 @@ void tst_Endings::duringTheWait()
 {
     QFETCH(int, signal);
     FakeService service;
-    for (const CommandForm &form : waitingCommands()) {
+    for (const CommandForm &form : firstFormsThatWait()) {
         service.ignore(form.member);
-        Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + form.words,
-                        busEnvironment());
+        Program program(MOVRA_PROGRAM, requestOf(form), busEnvironment());
         QCOMPARE(service.waitForCalls(1), QByteArrayList { form.call });
         program.send(signal);
         QVERIFY(program.waitForEnd());
@@ -51,11 +50,10 @@ void tst_Endings::duringTheHalfSecond()
 {
     QFETCH(int, signal);
     FakeService service;
-    for (const CommandForm &form : commands()) {
+    for (const CommandForm &form : firstForms()) {
         // Upon an error everybody who waits prints a line.
         service.refuse(form.member, "varn.pim.Error.Refused", "no");
-        Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + form.words,
-                        busEnvironment());
+        Program program(MOVRA_PROGRAM, requestOf(form), busEnvironment());
         QCOMPARE(service.waitForCalls(1), QByteArrayList { form.call });
         QVERIFY(program.waitForLines(form.failed.count('\n')));
         program.send(signal);

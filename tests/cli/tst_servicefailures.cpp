@@ -97,7 +97,7 @@ std::vector<MovraRow> rows()
         }
         // The monitor calls nothing, so nothing but the connection can fail it.
         if (state.outcome == Outcome::NotConnected) {
-            cells.push_back(cell(state, { "SIG", { "SIG" }, "", {}, {}, "", {}, {}, 0, false }));
+            cells.push_back(cell(state, monitorForm()));
         }
     }
     return cells;

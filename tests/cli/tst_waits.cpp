@@ -78,13 +78,13 @@ void tst_Waits::whoWaitsAndForHowLong()
     const PrivateBus dead;
     FakeService onDead("com.varn.tul", dead.address);
     std::vector<Run> onDeadBus;
-    start(onDeadBus, waitingCommands(), dead.address, onDead);
+    start(onDeadBus, firstFormsThatWait(), dead.address, onDead);
     dead.daemon->send(SIGKILL);
 
     const PrivateBus stopped;
     FakeService onStopped("com.varn.tul", stopped.address);
     std::vector<Run> onStoppedBus;
-    start(onStoppedBus, waitingCommands(), stopped.address, onStopped);
+    start(onStoppedBus, firstFormsThatWait(), stopped.address, onStopped);
     stopped.daemon->send(SIGSTOP);
 
     const QByteArray bus = qgetenv("DBUS_SESSION_BUS_ADDRESS");

@@ -37,9 +37,8 @@ void tst_Runs::everyFormTheSameEachTime()
         QByteArrayList expectedCalls;
         for (int i = std::min(left, ofEachAtATime); i > 0; --i) {
             for (const CommandForm &form : forms) {
-                programs.push_back(std::make_unique<Program>(
-                    MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + form.words,
-                    busEnvironment()));
+                programs.push_back(
+                    std::make_unique<Program>(MOVRA_PROGRAM, requestOf(form), busEnvironment()));
                 expectedCalls += form.call;
             }
         }

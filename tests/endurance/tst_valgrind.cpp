@@ -3,6 +3,7 @@
 // no value that was never set, nothing definitely lost.
 #include "tests/endurance/numberedsignals.h"
 #include "tests/support/commandforms.h"
+#include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
 #include "tests/support/setting.h"
 

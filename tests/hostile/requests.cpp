@@ -32,7 +32,7 @@ const std::vector<CommandForm> &requests()
 
 Outcome make(const CommandForm &request, Movra &movra)
 {
-    QByteArrayList words = QByteArrayList { "movra", "com.varn.tul", "/" } + request.words;
+    QByteArrayList words = QByteArrayList { "movra" } + requestOf(request);
     std::vector<char *> argv;
     argv.reserve(static_cast<std::size_t>(words.size()) + 2);
     for (QByteArray &word : words) {

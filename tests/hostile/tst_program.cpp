@@ -85,7 +85,7 @@ void tst_Program::randomReplies()
         std::unique_ptr<Program> program;
     };
     RandomReplies replies(static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1)));
-    for (int round = setting("MOVRA_HOSTILE_RUNS", 200) / 100; round > 0; --round) {
+    for (int round = setting("MOVRA_HOSTILE_RUNS", 200) / 100; round >= 0; --round) {
         // All requests linger together.
         std::vector<Run> runs;
         for (const CommandForm &request : requests()) {

@@ -66,7 +66,7 @@ const std::vector<CommandForm> &commandForms()
     return forms;
 }
 
-std::vector<CommandForm> commands()
+std::vector<CommandForm> firstForms()
 {
     std::vector<CommandForm> firsts;
     for (const CommandForm &form : commandForms()) {
@@ -77,15 +77,26 @@ std::vector<CommandForm> commands()
     return firsts;
 }
 
-std::vector<CommandForm> waitingCommands()
+std::vector<CommandForm> firstFormsThatWait()
 {
     std::vector<CommandForm> waiting;
-    for (const CommandForm &form : commands()) {
+    for (const CommandForm &form : firstForms()) {
         if (form.waits) {
             waiting.push_back(form);
         }
     }
     return waiting;
+}
+
+const CommandForm &monitorForm()
+{
+    static const CommandForm monitor { "SIG", { "SIG" }, "", {}, {}, "", {}, {}, 0, false };
+    return monitor;
+}
+
+QByteArrayList requestOf(const CommandForm &form)
+{
+    return QByteArrayList { "com.varn.tul", "/" } + form.words;
 }
 
 void answerAll(FakeService &service)

@@ -27,11 +27,17 @@ struct CommandForm {
 /// All but SIG, which calls nothing.
 const std::vector<CommandForm> &commandForms();
 
-/// One form of each command that waits.
-std::vector<CommandForm> waitingCommands();
+/// The first form of each command.
+std::vector<CommandForm> firstForms();
 
-/// One form of each command.
-std::vector<CommandForm> commands();
+/// The same of those commands that wait.
+std::vector<CommandForm> firstFormsThatWait();
+
+/// SIG, which calls nothing and prints nothing by itself.
+const CommandForm &monitorForm();
+
+/// What is typed for a form, to the service "com.varn.tul" at "/".
+QByteArrayList requestOf(const CommandForm &form);
 
 /// Lets the service answer every form as its row says.
 void answerAll(FakeService &service);

@@ -292,7 +292,7 @@ QByteArrayList FakeService::takeCalls()
 QByteArrayList FakeService::waitForCalls(int count)
 {
     std::unique_lock<std::mutex> lock(d->mutex);
-    d->arrived.wait_for(lock, std::chrono::seconds(10),
+    d->arrived.wait_for(lock, std::chrono::seconds(30),
                         [this, count] { return d->calls.size() >= count; });
     QByteArrayList taken;
     taken.swap(d->calls);

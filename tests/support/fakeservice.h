@@ -45,7 +45,7 @@ public:
     /// "DoAction ss ('a', 'b')". A path other than "/" or an interface other than "varn.pim" is put
     /// in front.
     QByteArrayList takeCalls();
-    /// Waits for at least this many calls, 10 s at most, and takes them.
+    /// Waits for at least this many calls, 30 s at most, and takes them.
     QByteArrayList waitForCalls(int count);
 
     enum class After { Wait, MoreFollows };

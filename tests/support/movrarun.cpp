@@ -35,22 +35,6 @@ QByteArrayList busEnvironment(const QByteArray &bus)
     return baseEnvironment() + QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=" + bus };
 }
 
-bool waitUntilHeard(Program &monitor, FakeService &service)
-{
-    // One rule for each name of a signal.
-    const auto hasAllRules = [&service] { return service.matchRules("com.varn.tul").size() == 7; };
-    if (!QTest::qWaitFor(hasAllRules, 10000)) {
-        return false;
-    }
-    // Qt D-Bus holds signals back until the event loop first runs, and may then let a new one
-    // overtake those that it held. Once one has come through, that is over.
-    service.emitSignal("SigInfo", "('first',)");
-    const bool heard =
-        monitor.waitForLines(1) && monitor.out == "===Client sigInfoSlot  msg=first\n";
-    monitor.forgetOutput();
-    return heard;
-}
-
 Prepare answers(const char *member, const QByteArray &body)
 {
     return [=](FakeService &service) { service.answer(member, body); };

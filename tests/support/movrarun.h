@@ -21,10 +21,6 @@ QByteArrayList baseEnvironment();
 /// The same, and the private bus or the one at the address.
 QByteArrayList busEnvironment(const QByteArray &bus = qgetenv("DBUS_SESSION_BUS_ADDRESS"));
 
-/// Waits until a monitor of "com.varn.tul" that was just started prints what the service emits, and
-/// forgets what it printed; false if it does not.
-bool waitUntilHeard(Program &monitor, FakeService &service);
-
 /// What the service of a row is told before the program starts.
 using Prepare = std::function<void(FakeService &)>;
 
