@@ -53,6 +53,7 @@ class Monitor:
         deadline = time.monotonic() + 60
         while not self.count(b"marker"):
             if time.monotonic() > deadline:
+                self.process.kill()
                 raise SystemExit(f"{self.process.args[0]} shows no signal.")
             emit("marker", 1).wait()
             time.sleep(0.02)

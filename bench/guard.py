@@ -1,7 +1,9 @@
 #!/usr/bin/python3 -B
 # SPDX-License-Identifier: MIT
-"""Fails if movra takes more instructions than what is written down in guard.figures:
+"""Fails if movra takes more instructions than what is written down in guard.figures.
+
     guard.py MOVRA FOLDER_OF_BENCH_PROGRAMS
+
 Those are of a release build with g++ for amd64. Runs on a private bus, as the test bench.guard. Instructions, unlike times, are the same on a busy
 machine. What the loader does, which is most of a run, is not counted.
 """
