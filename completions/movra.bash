@@ -5,9 +5,10 @@
 # It waits for a second at most, or for MOVRA_COMPLETION_SECONDS: a bus may be far away.
 
 # _movra_call DESTINATION PATH METHOD [ARGUMENT]: prints the answer as dbus-send shows it, if there is
-# one in time. Without a display, dbus-send does not start a session bus.
+# one before the end. Without a display, dbus-send does not start a session bus.
 _movra_call() {
-    DISPLAY='' timeout "${MOVRA_COMPLETION_SECONDS-1}" \
+    local left=$((end - ${EPOCHREALTIME//[!0-9]/}))
+    ((left > 0)) && DISPLAY='' timeout "${left}e-6" \
         dbus-send --session --print-reply --dest="$1" "${@:2}" </dev/null 2>/dev/null
 }
 
@@ -27,13 +28,12 @@ _movra_owner() {
     _movra_call org.freedesktop.DBus / org.freedesktop.DBus.GetNameOwner "string:$1" | _movra_texts
 }
 
-# _movra_paths SERVICE: prints the paths of the objects that have the interface. Looks from / down,
-# and at no further object when the time is over.
+# _movra_paths SERVICE: prints the paths of the objects that have the interface. Looks from / down
+# until a call fails, which all do when the time is over.
 _movra_paths() {
     local owner description node paths=(/)
-    local end=$((${EPOCHREALTIME//[!0-9]/} + ${MOVRA_COMPLETION_SECONDS-1} * 1000000))
     owner=$(_movra_owner "$1")
-    while [[ $owner && ${paths[0]} ]] && ((${EPOCHREALTIME//[!0-9]/} < end)); do
+    while [[ $owner && ${paths[0]} ]]; do
         description=$(_movra_call "$owner" "${paths[0]}" \
             org.freedesktop.DBus.Introspectable.Introspect) || break
         [[ $description != *'<interface name="varn.pim"'* ]] || printf '%s\n' "${paths[0]}"
@@ -125,8 +125,11 @@ _movra_words() {
 }
 
 _movra() {
-    local IFS=$' \t\n' words cur service path
+    local IFS=$' \t\n' words cur service path end
     COMPREPLY=()
+    # The end of all calls, in microseconds. The seconds may have a fraction, with a point.
+    LC_ALL=C printf -v end %.0f "${MOVRA_COMPLETION_SECONDS-1}e6" 2>/dev/null
+    ((end += ${EPOCHREALTIME//[!0-9]/}))
     _movra_words
     cur=${words[-1]}
     service=${words[1]//[\"\'\\]/} path=${words[2]//[\"\'\\]/}

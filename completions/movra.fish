@@ -3,15 +3,13 @@
 # lists. What a service says is only ever printed, never evaluated.
 # It waits for a second at most, or for MOVRA_COMPLETION_SECONDS: a bus may be far away.
 
-function __movra_seconds
-    set -q MOVRA_COMPLETION_SECONDS; and echo $MOVRA_COMPLETION_SECONDS; or echo 1
-end
-
-# SECONDS DESTINATION PATH METHOD [ARGUMENT]: prints the answer as dbus-send shows it, if there is one
-# in time. Without a display, dbus-send does not start a session bus.
+# DESTINATION PATH METHOD [ARGUMENT]: prints the answer as dbus-send shows it, if there is one before
+# the end. Without a display, dbus-send does not start a session bus.
 function __movra_call
-    DISPLAY= timeout $argv[1] dbus-send --session --print-reply \
-        --dest=$argv[2] $argv[3..] </dev/null 2>/dev/null
+    set -l left (math $__movra_end - (date +%s.%N))
+    test $left -gt 0
+    and DISPLAY= timeout $left dbus-send --session --print-reply \
+        --dest=$argv[1] $argv[2..] </dev/null 2>/dev/null
 end
 
 # Leaves the texts of an answer, a line each, but for those with control characters.
@@ -20,27 +18,25 @@ function __movra_texts
 end
 
 function __movra_services
-    __movra_call (__movra_seconds) org.freedesktop.DBus / org.freedesktop.DBus.ListNames |
-        __movra_texts | string match -rv '^(:.*|org\.freedesktop\.DBus)$'
+    __movra_call org.freedesktop.DBus / org.freedesktop.DBus.ListNames | __movra_texts |
+        string match -rv '^(:.*|org\.freedesktop\.DBus)$'
 end
 
 # SERVICE: prints who owns the name. A call to the owner starts no service.
 function __movra_owner
-    __movra_call (__movra_seconds) org.freedesktop.DBus / \
-        org.freedesktop.DBus.GetNameOwner string:$argv[1] | __movra_texts
+    __movra_call org.freedesktop.DBus / org.freedesktop.DBus.GetNameOwner string:$argv[1] |
+        __movra_texts
 end
 
-# SERVICE: prints the paths of the objects that have the interface. Looks from / down, and at no
-# further object when the time is over.
+# SERVICE: prints the paths of the objects that have the interface. Looks from / down until a
+# call fails, which all do when the time is over.
 function __movra_paths
     set -l owner (__movra_owner $argv[1])
     set -l paths /
     set -l found
-    set -l end (math (date +%s%3N) + 1000 x (__movra_seconds))
-    while test -n "$owner" -a -n "$paths" -a (date +%s%3N) -lt $end
+    while test -n "$owner" -a -n "$paths"
         set -l description (
-            __movra_call (__movra_seconds) $owner $paths[1] \
-                org.freedesktop.DBus.Introspectable.Introspect)
+            __movra_call $owner $paths[1] org.freedesktop.DBus.Introspectable.Introspect)
         or break
         string match -q '*<interface name="varn.pim"*' -- $description
         and set -a found $paths[1]
@@ -52,19 +48,20 @@ function __movra_paths
     printf '%s\n' $found
 end
 
-# METHOD...: prints what the methods list. fish calls one after the other; they share the time.
+# METHOD...: prints what the methods list. fish calls one after the other.
 function __movra_ids
     set -l words (commandline -opc)
     set -l owner (__movra_owner $words[2])
     test -n "$owner"; or return
-    set -l seconds (math (__movra_seconds) / (count $argv))
     for method in varn.pim.$argv
-        __movra_call $seconds $owner $words[3] $method | __movra_texts
+        __movra_call $owner $words[3] $method | __movra_texts
     end
 end
 
 function __movra_candidates
     set -l words (commandline -opc)
+    set -q MOVRA_COMPLETION_SECONDS; or set -l MOVRA_COMPLETION_SECONDS 1
+    set -g __movra_end (math (date +%s.%N) + $MOVRA_COMPLETION_SECONDS 2>/dev/null)
     switch (count $words)
         case 1
             __movra_services

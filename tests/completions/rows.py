@@ -172,3 +172,9 @@ SILENT = [
     ("an id of several lines", HOSTILE + "SET :config:l"),
     ("an id with a tab", HOSTILE + "SET :config:t"),
 ]
+
+# The same without a bus, and without dbus-send.
+SILENT_WITHOUT = [
+    ("no service without a bus or dbus-send", "movra com.varn.t"),
+    ("no id without a bus or dbus-send", TUL + "SET :config:data:f"),
+]
