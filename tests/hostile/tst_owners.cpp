@@ -92,6 +92,7 @@ void tst_Owners::monitorsStartedDuringAQuarrel()
 {
     Rivals rivals;
     std::vector<std::unique_ptr<Program>> monitors;
+    monitors.reserve(20);
     for (int i = 0; i < 20; ++i) {
         monitors.push_back(std::make_unique<Program>(
             MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/", "SIG" }, busEnvironment()));

@@ -89,7 +89,8 @@ void tst_Program::randomReplies()
         // All requests linger together.
         std::vector<Run> runs;
         for (const CommandForm &request : requests()) {
-            const QByteArray destination = "com.varn.lie" + QByteArray::number(int(runs.size()));
+            const QByteArray destination =
+                "com.varn.lie" + QByteArray::number(static_cast<int>(runs.size()));
             Run run { replies.next(request.signature), nullptr, nullptr };
             run.service = std::make_unique<FakeService>(destination);
             run.service->answer(request.member, run.reply.text);
