@@ -11,8 +11,11 @@ PrivateBus::PrivateBus(const QByteArray &furtherRules)
     if (!base.open(QIODevice::ReadOnly) || !configuration.open()) {
         throw std::runtime_error("no configuration for a bus");
     }
+    // A daemon that is killed leaves its socket behind.
+    const QByteArray folder = QFile::encodeName(directory.path());
     const QByteArray end = "</busconfig>";
-    configuration.write(base.readAll().replace(end, furtherRules + end));
+    configuration.write(
+        base.readAll().replace("tmpdir=/tmp", "tmpdir=" + folder).replace(end, furtherRules + end));
     configuration.close();
     daemon = std::make_unique<Program>(
         "dbus-daemon",

@@ -5,6 +5,7 @@
 #include "tests/support/program.h"
 
 #include <QByteArray>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 
 #include <memory>
@@ -20,5 +21,6 @@ public:
     std::unique_ptr<Program> daemon; ///< killed with this object
 
 private:
+    QTemporaryDir directory; ///< holds the socket
     QTemporaryFile configuration;
 };
