@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Every member of the proxy, those that no command calls included, against random replies:
-// MOVRA_HOSTILE_RUNS for each (200 unless set), from the seed MOVRA_HOSTILE_SEED (1 unless set).
+// Every member of the proxy, those that no command calls included, against a service that lies.
 #include "app/messagefilter.h"
 #include "bus/proxies.h"
-#include "tests/hostile/randomreply.h"
+#include "tests/hostile/lies.h"
 #include "tests/support/capture.h"
-#include "tests/support/fakeservice.h"
-#include "tests/support/setting.h"
 
 #include <QTest>
 
@@ -95,21 +92,21 @@ class tst_Members : public QObject
 private Q_SLOTS:
     void initTestCase();
     void randomReplies_data() { addMembers(); }
-    void randomReplies();
+    void randomReplies() { attack(Lie::Reply); }
     void everyReplyTwice_data() { addMembers(); }
-    void everyReplyTwice();
+    void everyReplyTwice() { attack(Lie::ReplyTwice); }
     void randomErrors_data() { addMembers(); }
-    void randomErrors();
+    void randomErrors() { attack(Lie::Error); }
 
 private:
     static void addMembers();
+    /// Has the service lie about the row.
+    void attack(Lie lie);
     /// Calls the member; the reply was taken or it was not.
     void check(const Member &member, bool taken, const QByteArray &reply);
 
     std::unique_ptr<FakeService> service;
     std::unique_ptr<KorAppInterface> proxy;
-    int runs = setting("MOVRA_HOSTILE_RUNS", 200);
-    unsigned seed = static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1));
 };
 
 void tst_Members::initTestCase()
@@ -142,41 +139,12 @@ void tst_Members::check(const Member &member, bool taken, const QByteArray &repl
     QCOMPARE(service->takeCalls().size(), 1);
 }
 
-void tst_Members::randomReplies()
+void tst_Members::attack(Lie lie)
 {
     QFETCH(int, index);
     const Member &member = members().at(static_cast<std::size_t>(index));
-    RandomReplies replies(seed);
-    for (int run = 0; run < runs && !QTest::currentTestFailed(); ++run) {
-        const RandomReply reply = replies.next(member.signature);
-        service->answer(member.name, reply.text);
-        check(member, reply.signature.startsWith(member.signature), reply.text);
-    }
-}
-
-void tst_Members::everyReplyTwice()
-{
-    QFETCH(int, index);
-    const Member &member = members().at(static_cast<std::size_t>(index));
-    RandomReplies replies(seed);
-    for (int run = 0; run < runs / 10 && !QTest::currentTestFailed(); ++run) {
-        const RandomReply reply = replies.next(member.signature);
-        service->answerTwice(member.name, reply.text);
-        check(member, reply.signature.startsWith(member.signature), reply.text);
-    }
-}
-
-void tst_Members::randomErrors()
-{
-    QFETCH(int, index);
-    const Member &member = members().at(static_cast<std::size_t>(index));
-    RandomReplies replies(seed);
-    for (int run = 0; run < runs / 4 && !QTest::currentTestFailed(); ++run) {
-        const RandomReply reply = replies.next("s");
-        const QByteArray name = replies.errorName();
-        service->refuseWith(member.name, name, reply.text);
-        check(member, false, name + ' ' + reply.text);
-    }
+    lieAbout(*service, member.name, member.signature, lie,
+             [&](bool taken, const QByteArray &answer) { check(member, taken, answer); });
 }
 
 QTEST_GUILESS_MAIN(tst_Members)

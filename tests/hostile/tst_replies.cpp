@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Every request against a service that lies. Handlers are called in this process, so that there is
-// no half second: MOVRA_HOSTILE_RUNS replies for each request (200 unless set), from the seed
-// MOVRA_HOSTILE_SEED (1 unless set).
+// no half second.
 #include "app/messagefilter.h"
-#include "tests/hostile/randomreply.h"
+#include "tests/hostile/lies.h"
 #include "tests/hostile/requests.h"
-#include "tests/support/fakeservice.h"
-#include "tests/support/setting.h"
 
 #include <QDir>
 #include <QTest>
@@ -20,22 +17,22 @@ class tst_Replies : public QObject
 private Q_SLOTS:
     void initTestCase();
     void randomReplies_data() { addRequests(); }
-    void randomReplies();
+    void randomReplies() { attack(Lie::Reply); }
     void everyReplyTwice_data() { addRequests(); }
-    void everyReplyTwice();
+    void everyReplyTwice() { attack(Lie::ReplyTwice); }
     void randomErrors_data() { addRequests(); }
-    void randomErrors();
+    void randomErrors() { attack(Lie::Error); }
     void cleanupTestCase();
 
 private:
     static void addRequests();
+    /// Has the service lie about the row.
+    void attack(Lie lie);
     /// Makes the request and compares what must hold; the reply was taken or it was not.
     void check(const CommandForm &request, bool taken, const QByteArray &reply);
 
     std::unique_ptr<FakeService> service;
     std::unique_ptr<OpenMovra> movra;
-    int runs = setting("MOVRA_HOSTILE_RUNS", 200);
-    unsigned seed = static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1));
     int openFiles = 0;
 };
 
@@ -76,43 +73,12 @@ void tst_Replies::check(const CommandForm &request, bool taken, const QByteArray
     QCOMPARE(service->waitForCalls(1).size(), 1);
 }
 
-void tst_Replies::randomReplies()
+void tst_Replies::attack(Lie lie)
 {
     QFETCH(int, index);
     const CommandForm &request = requests().at(static_cast<std::size_t>(index));
-    // Each row from the seed anew, so that one row alone replays what it did among others.
-    RandomReplies replies(seed);
-    for (int run = 0; run < runs && !QTest::currentTestFailed(); ++run) {
-        const RandomReply reply = replies.next(request.signature);
-        service->answer(request.member, reply.text);
-        check(request, reply.signature.startsWith(request.signature), reply.text);
-    }
-}
-
-void tst_Replies::everyReplyTwice()
-{
-    QFETCH(int, index);
-    const CommandForm &request = requests().at(static_cast<std::size_t>(index));
-    RandomReplies replies(seed);
-    for (int run = 0; run < runs / 10 && !QTest::currentTestFailed(); ++run) {
-        const RandomReply reply = replies.next(request.signature);
-        service->answerTwice(request.member, reply.text);
-        check(request, reply.signature.startsWith(request.signature), reply.text);
-    }
-}
-
-void tst_Replies::randomErrors()
-{
-    QFETCH(int, index);
-    const CommandForm &request = requests().at(static_cast<std::size_t>(index));
-    RandomReplies replies(seed);
-    for (int run = 0; run < runs / 4 && !QTest::currentTestFailed(); ++run) {
-        // Honest errors carry one string.
-        const RandomReply reply = replies.next("s");
-        const QByteArray name = replies.errorName();
-        service->refuseWith(request.member, name, reply.text);
-        check(request, false, name + ' ' + reply.text);
-    }
+    lieAbout(*service, request.member, request.signature, lie,
+             [&](bool taken, const QByteArray &answer) { check(request, taken, answer); });
 }
 
 void tst_Replies::cleanupTestCase()
