@@ -2,6 +2,7 @@
 // Signals of the service: which one reaches which overload, and when the bus is asked for them.
 #include "bus/proxies.h"
 #include "tests/support/fakeservice.h"
+#include "tests/support/patience.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -65,15 +66,15 @@ void tst_Signals::initTestCase()
     // Qt D-Bus holds signals back until the event loop first runs, and may then let a new one
     // overtake those that it held. Once one has come through, that is over.
     const QSignalSpy spy(proxy.get(), SIGNAL(SigInfo(QString)));
-    QTRY_VERIFY(isListeningFor("SigInfo", *service));
+    QTRY_VERIFY_WITH_TIMEOUT(isListeningFor("SigInfo", *service), patienceMs);
     service->emitSignal("SigInfo", "('first',)");
-    QTRY_COMPARE(spy.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(spy.count(), 1, patienceMs);
 }
 
 void tst_Signals::init()
 {
     // What an earlier test listened for must be gone, or this one could take it for its own.
-    QTRY_COMPARE(ownRules(*service), QByteArrayList());
+    QTRY_COMPARE_WITH_TIMEOUT(ownRules(*service), QByteArrayList(), patienceMs);
 }
 
 void tst_Signals::texts_data()
@@ -97,11 +98,11 @@ void tst_Signals::texts()
 
     QSignalSpy spy(proxy.get(), signal.constData());
     QVERIFY(spy.isValid());
-    QTRY_VERIFY(isListeningFor(member, *service));
+    QTRY_VERIFY_WITH_TIMEOUT(isListeningFor(member, *service), patienceMs);
     service->emitSignal(member, "(1,)"); // another type: ignored
     service->emitSignal(member, "('',)");
     service->emitSignal(member, "('text €',)");
-    QTRY_COMPARE(spy.count(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(spy.count(), 2, patienceMs);
     QCOMPARE(spy.at(0), QVariantList { QString() });
     QCOMPARE(spy.at(1), QVariantList { QStringLiteral("text \u20ac") });
 }
@@ -110,10 +111,10 @@ void tst_Signals::doublesReachTheirOverloadOnly()
 {
     QSignalSpy doubles(proxy.get(), doublesSignal);
     QSignalSpy unsignedNumbers(proxy.get(), unsignedSignal);
-    QTRY_VERIFY(isListeningFor("SigTestCompleteWithData", *service));
+    QTRY_VERIFY_WITH_TIMEOUT(isListeningFor("SigTestCompleteWithData", *service), patienceMs);
     service->emitSignal("SigTestCompleteWithData", "('done', [1.5, 2.0])");
     service->emitSignal("SigTestCompleteWithData", "('empty', @ad [])");
-    QTRY_COMPARE(doubles.count(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(doubles.count(), 2, patienceMs);
     QCOMPARE(unsignedNumbers.count(), 0);
     QCOMPARE(doubles.at(0).at(0), QVariant(QStringLiteral("done")));
     QCOMPARE(doubles.at(0).at(1).value<std::vector<double>>(), (std::vector<double> { 1.5, 2 }));
@@ -124,10 +125,10 @@ void tst_Signals::unsignedNumbersReachTheirOverloadOnly()
 {
     QSignalSpy doubles(proxy.get(), doublesSignal);
     QSignalSpy unsignedNumbers(proxy.get(), unsignedSignal);
-    QTRY_VERIFY(isListeningFor("SigTestCompleteWithData", *service));
+    QTRY_VERIFY_WITH_TIMEOUT(isListeningFor("SigTestCompleteWithData", *service), patienceMs);
     service->emitSignal("SigTestCompleteWithData", "('no', [1, 2])"); // signed: nobody's
     service->emitSignal("SigTestCompleteWithData", "('done', [uint32 4294967295])");
-    QTRY_COMPARE(unsignedNumbers.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(unsignedNumbers.count(), 1, patienceMs);
     QCOMPARE(doubles.count(), 0);
     QCOMPARE(unsignedNumbers.at(0).at(0), QVariant(QStringLiteral("done")));
     QCOMPARE(unsignedNumbers.at(0).at(1).value<std::vector<uint32_t>>(),
@@ -153,29 +154,29 @@ void tst_Signals::signalsOfOthersAreIgnored()
     QFETCH(QByteArray, interface);
 
     QSignalSpy spy(proxy.get(), SIGNAL(SigInfo(QString)));
-    QTRY_VERIFY(isListeningFor("SigInfo", *service));
+    QTRY_VERIFY_WITH_TIMEOUT(isListeningFor("SigInfo", *service), patienceMs);
     if (sender.isEmpty()) {
         service->emitSignal("SigInfo", "('not ours',)", path, interface);
     } else {
         FakeService(sender).emitSignal("SigInfo", "('not ours',)", path, interface);
     }
     service->emitSignal("SigInfo", "('ours',)");
-    QTRY_COMPARE(spy.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(spy.count(), 1, patienceMs);
     QCOMPARE(spy.at(0), QVariantList { QStringLiteral("ours") });
 }
 
 void tst_Signals::matchRulesLastAsLongAsConnections()
 {
-    QTRY_COMPARE(ownRules(*service), QByteArrayList());
+    QTRY_COMPARE_WITH_TIMEOUT(ownRules(*service), QByteArrayList(), patienceMs);
     {
         const QSignalSpy spy(proxy.get(), SIGNAL(SigAlarm(QString)));
-        QTRY_COMPARE(ownRules(*service).size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(ownRules(*service).size(), 1, patienceMs);
         const QByteArray rule = ownRules(*service).first();
         QVERIFY2(rule.contains("interface='varn.pim'"), rule.constData());
         QVERIFY2(rule.contains("member='SigAlarm'"), rule.constData());
         QVERIFY2(rule.contains("path='/'"), rule.constData());
     }
-    QTRY_COMPARE(ownRules(*service), QByteArrayList());
+    QTRY_COMPARE_WITH_TIMEOUT(ownRules(*service), QByteArrayList(), patienceMs);
 }
 
 void tst_Signals::theRuleStaysUntilTheLastConnectionGoes()
@@ -183,10 +184,10 @@ void tst_Signals::theRuleStaysUntilTheLastConnectionGoes()
     QSignalSpy spy(proxy.get(), SIGNAL(SigUpdate(QString)));
     {
         const QSignalSpy other(proxy.get(), SIGNAL(SigUpdate(QString)));
-        QTRY_VERIFY(isListeningFor("SigUpdate", *service));
+        QTRY_VERIFY_WITH_TIMEOUT(isListeningFor("SigUpdate", *service), patienceMs);
     }
     service->emitSignal("SigUpdate", "('still here',)");
-    QTRY_COMPARE(spy.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(spy.count(), 1, patienceMs);
     QCOMPARE(ownRules(*service).size(), 1);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Signals that end a command: while it waits for its answer, and in the half second behind it.
+// Signals that end a command: while it waits for its answer, and in the half second after it.
 #include "tests/support/commandforms.h"
 #include "tests/support/movrarun.h"
 
@@ -53,14 +53,19 @@ void tst_Endings::duringTheHalfSecond()
     for (const CommandForm &form : firstForms()) {
         // Upon an error everybody who waits prints a line.
         service.refuse(form.member, "varn.pim.Error.Refused", "no");
-        Program program(MOVRA_PROGRAM, requestOf(form), busEnvironment());
-        QCOMPARE(service.waitForCalls(1), QByteArrayList { form.call });
-        QVERIFY(program.waitForLines(form.failed.count('\n')));
-        program.send(signal);
-        QVERIFY(program.waitForEnd());
-        QCOMPARE(program.out, form.failed);
-        QCOMPARE(program.err, QByteArray());
-        QCOMPARE(program.status, 256 + signal);
+        int status = 0;
+        // On a busy machine the half second may be over before the signal is sent.
+        for (int attempts = 20; status != 256 + signal && attempts > 0; --attempts) {
+            Program program(MOVRA_PROGRAM, requestOf(form), busEnvironment());
+            QCOMPARE(service.waitForCalls(1), QByteArrayList { form.call });
+            QVERIFY(program.waitForLines(form.failed.count('\n')));
+            program.send(signal);
+            QVERIFY(program.waitForEnd());
+            QCOMPARE(program.out, form.failed);
+            QCOMPARE(program.err, QByteArray());
+            status = program.status;
+        }
+        QCOMPARE(status, 256 + signal);
     }
 }
 

@@ -2,6 +2,7 @@
 // SIG through the built program: what the monitor prints, what it does not, and how it ends.
 #include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
+#include "tests/support/patience.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -58,7 +59,7 @@ void tst_Monitor::init()
     monitor.reset();
     service.reset();
     service = std::make_unique<FakeService>();
-    QTRY_COMPARE(service->matchRules("com.varn.tul").size(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(service->matchRules("com.varn.tul").size(), 0, patienceMs);
 }
 
 void tst_Monitor::start(const QByteArrayList &furtherWords)
@@ -278,7 +279,8 @@ void tst_Monitor::linesAreOutOnAFileToo()
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QByteArray lines;
-    QTRY_COMPARE(lines += file.readAll(), QByteArray("===Client alarmSlot  msg=abc\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(lines += file.readAll(), QByteArray("===Client alarmSlot  msg=abc\n"),
+                              patienceMs);
     monitor->send(SIGKILL);
     QVERIFY(monitor->waitForEnd());
     QCOMPARE(file.readAll(), QByteArray());

@@ -112,6 +112,7 @@ void tst_Waits::whoWaitsAndForHowLong()
     for (const Run &run : onDeadBus) {
         staysUntilItIsEnded(run);
     }
+    stopped.daemon->send(SIGKILL);
 }
 
 QTEST_GUILESS_MAIN(tst_Waits)

@@ -4,6 +4,7 @@
 #include "app/messagefilter.h"
 #include "tests/hostile/lies.h"
 #include "tests/hostile/requests.h"
+#include "tests/support/patience.h"
 
 #include <QDir>
 #include <QTest>
@@ -84,7 +85,7 @@ void tst_Replies::attack(Lie lie)
 void tst_Replies::cleanupTestCase()
 {
     // Files that came with replies are closed when the replies go, on another thread, too.
-    QTRY_COMPARE(countOpenFiles(), openFiles);
+    QTRY_COMPARE_WITH_TIMEOUT(countOpenFiles(), openFiles, patienceMs);
 }
 
 QTEST_GUILESS_MAIN(tst_Replies)

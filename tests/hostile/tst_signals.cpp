@@ -7,6 +7,7 @@
 #include "tests/support/capture.h"
 #include "tests/support/fakeservice.h"
 #include "tests/support/openmovra.h"
+#include "tests/support/patience.h"
 #include "tests/support/setting.h"
 
 #include <QSignalSpy>
@@ -84,7 +85,8 @@ QByteArray tst_Signals::heard(const std::function<void()> &emitAll)
     const QByteArray printed = captureOutput([&] {
         emitAll();
         service->emitSignal("SigUpdate", "('marker',)");
-        QTRY_VERIFY(!marker.isEmpty() && marker.last().first() == QStringLiteral("marker"));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !marker.isEmpty() && marker.last().first() == QStringLiteral("marker"), patienceMs);
     });
     const QByteArray line = "===Client sigUpdateSlot  msg=marker\n";
     return printed.endsWith(line) ? printed.chopped(line.size()) : "(no marker) " + printed;

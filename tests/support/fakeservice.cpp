@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/fakeservice.h"
 
+#include "tests/support/patience.h"
+
 #include <gio/gio.h>
 #include <gio/gunixfdlist.h>
 
@@ -227,6 +229,12 @@ FakeService::FakeService(const QByteArray &name, const QByteArray &bus, Ownershi
 
 FakeService::~FakeService()
 {
+    // The bus notices a closed connection in its own time, so a successor could find the name
+    // taken. A bus that is gone, or that does not answer, has no successor.
+    const Value reply(g_dbus_connection_call_sync(
+        d->connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "ReleaseName", g_variant_new("(s)", d->name.constData()), nullptr, G_DBUS_CALL_FLAGS_NONE,
+        patienceMs, nullptr, nullptr));
     g_dbus_connection_close_sync(d->connection, nullptr, nullptr);
     g_object_unref(d->connection);
 }
@@ -292,8 +300,7 @@ QByteArrayList FakeService::takeCalls()
 QByteArrayList FakeService::waitForCalls(int count)
 {
     std::unique_lock<std::mutex> lock(d->mutex);
-    d->arrived.wait_for(lock, std::chrono::seconds(30),
-                        [this, count] { return d->calls.size() >= count; });
+    d->arrived.wait_for(lock, patience, [this, count] { return d->calls.size() >= count; });
     QByteArrayList taken;
     taken.swap(d->calls);
     return taken;
@@ -332,7 +339,6 @@ bool FakeService::waitUntilTaken(const QByteArray &service) const
     const std::vector<Private::Rule> rules = d->rulesFor(service);
     return std::all_of(rules.cbegin(), rules.cend(), [this](const Private::Rule &rule) {
         // A connection answers this by itself, in its turn, however busy the program behind it is.
-        constexpr int patienceMs = 10000;
         const Value reply(g_dbus_connection_call_sync(
             d->connection, rule.holder.constData(), "/", "org.freedesktop.DBus.Peer", "Ping",
             nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, patienceMs, nullptr, nullptr));

@@ -17,6 +17,8 @@ public:
     explicit FakeService(const QByteArray &name = "com.varn.tul",
                          const QByteArray &bus = qgetenv("DBUS_SESSION_BUS_ADDRESS"),
                          Ownership ownership = Ownership::Sole);
+    /// Releases the name before it leaves the bus, so that another service can take it at once. On
+    /// a bus that is stopped this takes a minute: let such a bus end first.
     ~FakeService();
     FakeService(const FakeService &) = delete;
     FakeService &operator=(const FakeService &) = delete;
@@ -45,7 +47,7 @@ public:
     /// "DoAction ss ('a', 'b')". A path other than "/" or an interface other than "varn.pim" is put
     /// in front.
     QByteArrayList takeCalls();
-    /// Waits for at least this many calls, 30 s at most, and takes them.
+    /// Waits for at least this many calls, no longer than `patience`, and takes them.
     QByteArrayList waitForCalls(int count);
 
     enum class After { Wait, MoreFollows };
@@ -57,7 +59,7 @@ public:
     /// The match rules that anybody holds at the bus for signals of a service (by its name).
     QByteArrayList matchRules(const QByteArray &service) const;
     /// Waits until everybody who holds such a rule has taken off the bus what was emitted before;
-    /// false if somebody does not within 10 s after the bus has it.
+    /// false if somebody does not answer before `patience` is over.
     bool waitUntilTaken(const QByteArray &service) const;
 
 private:

@@ -9,7 +9,7 @@ bool waitUntilListening(const FakeService &service, int monitors, const QByteArr
     const auto haveAllRules = [&] {
         return service.matchRules(name).size() == namesOfSignals * monitors;
     };
-    return QTest::qWaitFor(haveAllRules, 30000);
+    return QTest::qWaitFor(haveAllRules, patienceMs);
 }
 
 bool waitUntilHeard(Program &monitor, FakeService &service)

@@ -5,7 +5,8 @@
 #include "tests/support/fakeservice.h"
 #include "tests/support/program.h"
 
-/// Waits until so many monitors listen to the name on the service's bus; false if 30 s pass before.
+/// Waits until so many monitors listen to the name on the service's bus; false if `patience` is
+/// over.
 bool waitUntilListening(const FakeService &service, int monitors = 1,
                         const QByteArray &name = "com.varn.tul");
 

@@ -9,11 +9,11 @@
 namespace
 {
 
-constexpr int sideBySide = 32;
+constexpr std::size_t sideBySide = 32;
 
-QByteArray nameOfRow(int index)
+QByteArray nameOfRow(std::size_t index)
 {
-    return "com.varn.row" + QByteArray::number(index);
+    return "com.varn.row" + QByteArray::number(static_cast<qulonglong>(index));
 }
 
 } // namespace
@@ -65,6 +65,7 @@ MovraRows::Run::Run(const MovraRow &row, const QByteArray &serviceName)
 
 MovraRows::MovraRows(std::vector<MovraRow> table)
     : rows(std::move(table))
+    , runs(rows.size())
 {
 }
 
@@ -78,14 +79,15 @@ void MovraRows::addTestData() const
 
 void MovraRows::check(int index)
 {
-    const int last = std::min(index + sideBySide, static_cast<int>(rows.size()));
-    for (int next = static_cast<int>(runs.size()); next < last; ++next) {
-        runs.push_back(
-            std::make_unique<Run>(rows[static_cast<std::size_t>(next)], nameOfRow(next)));
+    // Rows before the one that is asked for are not wanted: somebody runs this one alone.
+    const auto first = static_cast<std::size_t>(index);
+    const std::size_t last = std::min(first + sideBySide, rows.size());
+    for (started = std::max(started, first); started < last; ++started) {
+        runs[started] = std::make_unique<Run>(rows[started], nameOfRow(started));
     }
 
-    const MovraRow &row = rows[static_cast<std::size_t>(index)];
-    const std::unique_ptr<Run> taken = std::move(runs[static_cast<std::size_t>(index)]);
+    const MovraRow &row = rows[first];
+    const std::unique_ptr<Run> taken = std::move(runs[first]);
     Run &run = *taken;
     QVERIFY2(run.program->waitForEnd(), "the program did not end");
     QCOMPARE(run.program->out, row.out);

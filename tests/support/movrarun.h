@@ -42,7 +42,8 @@ struct MovraRow {
     int status;
 };
 
-/// Starts rows ahead of the one that is asked for, so that they linger together.
+/// Starts the next rows together with the one that is asked for, so that their half seconds
+/// overlap.
 class MovraRows
 {
 public:
@@ -60,5 +61,6 @@ private:
     };
 
     std::vector<MovraRow> rows;
-    std::vector<std::unique_ptr<Run>> runs;
+    std::vector<std::unique_ptr<Run>> runs; ///< one place per row; null before and after its run
+    std::size_t started = 0; ///< the first row that has not been started
 };

@@ -21,7 +21,6 @@ namespace
 {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::seconds patience { 30 };
 
 std::vector<char *> vectorOf(QByteArrayList &words)
 {
@@ -77,13 +76,16 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
         leaveOutput();
     }
     posix_spawn_file_actions_adddup2(&actions, errEnds[1], STDERR_FILENO);
-    // The test's own libraries ignore SIGPIPE; the program must not inherit that.
+    // The test's own libraries ignore SIGPIPE, and a shell's background jobs ignore SIGINT.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t all;
     sigfillset(&all);
     posix_spawnattr_setsigdefault(&attributes, &all);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
     started = Clock::now();
     const int failure = posix_spawnp(&pid, file.constData(), &actions, &attributes,
                                      vectorOf(words).data(), vectorOf(variables).data());

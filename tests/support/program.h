@@ -2,6 +2,8 @@
 // Runs programs with exactly the bytes a test gives: arguments, environment, both output streams.
 #pragma once
 
+#include "tests/support/patience.h"
+
 #include <QByteArray>
 #include <QByteArrayList>
 
@@ -11,6 +13,7 @@
 #include <sys/types.h>
 
 /// A running program: standard input is empty, standard output and standard error are kept apart.
+/// No signal is ignored or blocked when it starts, whatever the test inherited.
 class Program
 {
 public:
@@ -27,9 +30,9 @@ public:
     Program(const Program &) = delete;
     Program &operator=(const Program &) = delete;
 
-    /// Reads until standard output holds this many lines; false if it ends or 30 s pass before.
+    /// Reads until standard output holds this many lines; false if it ends or `patience` is over.
     bool waitForLines(int count);
-    /// Reads until standard output ends with this line; false if it ends or 30 s pass before.
+    /// Reads until standard output ends with this line; false if it ends or `patience` is over.
     bool waitForLastLine(const QByteArray &line);
     /// Empties `out`, and counts lines anew.
     void forgetOutput();
@@ -39,7 +42,7 @@ public:
     /// Leaves standard output unread from now on, as a reader that went away.
     void leaveOutput();
     /// Reads until the program has ended; false, and the program is killed, if it takes longer.
-    bool waitForEnd(std::chrono::seconds limit = std::chrono::seconds(30));
+    bool waitForEnd(std::chrono::seconds limit = patience);
     /// Whether the program has not ended yet.
     bool runs() const;
 
@@ -52,7 +55,8 @@ public:
 private:
     /// Waits for output, or for the end of both streams; false at the deadline.
     bool readSome(std::chrono::steady_clock::time_point deadline);
-    /// Reads until there is enough; false if standard output ends or 30 s pass before.
+    /// Reads until there is enough; false if standard output ends or `patience` is
+    /// over.
     bool readUntil(const std::function<bool()> &enough);
 
     pid_t pid = -1;
