@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/sim/simrun.h"
 
+#include "tests/support/patience.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -69,8 +71,16 @@ template <typename T> QString joined(const std::vector<T> &data)
 
 } // namespace
 
+void resetSignals()
+{
+    for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
+        std::signal(number, SIG_DFL);
+    }
+}
+
 bool startSimulator(QProcess &process, const QStringList &arguments)
 {
+    resetSignals();
     process.setProcessChannelMode(QProcess::SeparateChannels);
     process.start(text(MOVRA_SIM_PROGRAM), arguments);
     while (!process.canReadLine()) {
@@ -171,7 +181,7 @@ bool SimTest::stop()
 
 bool SimTest::hear(const QString &line)
 {
-    return QTest::qWaitFor([this, &line] { return heard.contains(line); });
+    return QTest::qWaitFor([this, &line] { return heard.contains(line); }, patienceMs);
 }
 
 QStringList SimTest::takeHeard()

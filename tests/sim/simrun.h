@@ -23,6 +23,10 @@ inline QString text(const char *utf8)
     return QString::fromUtf8(utf8);
 }
 
+/// Lets programs that this process starts be ended by SIGINT, SIGTERM and SIGHUP. A suite that runs
+/// in the background inherits SIGINT ignored, and its programs would, too.
+void resetSignals();
+
 /// Starts the simulator; true once it has printed `ready`. It reads `process`'s environment.
 bool startSimulator(QProcess &process, const QStringList &arguments);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The program from outside: its options, its exit statuses and what it says, its end.
 #include "tests/sim/simrun.h"
+#include "tests/support/patience.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -341,7 +342,9 @@ void TestProgram::aSignalEndsTheProgramInOrder()
             [&events] { events.append(text("the name is free")); });
     QCOMPARE(answerTo(service.DBusServerStatus()), text("i 0"));
     QVERIFY(endSimulator(simulator, number));
-    QTRY_COMPARE(events, (QStringList { text("movra-sim is closing"), text("the name is free") }));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        events, (QStringList { text("movra-sim is closing"), text("the name is free") }),
+        patienceMs);
     QCOMPARE(simulator.readAllStandardOutput(), QByteArray());
     QCOMPARE(simulator.readAllStandardError(), QByteArray());
 }
@@ -355,7 +358,7 @@ void TestProgram::nameAndPathAreThoseOfTheOptions()
                             QDBusConnection::sessionBus(), nullptr);
     QSignalSpy infos(&service, &KorAppInterface::SigInfo);
     QCOMPARE(answerTo(service.DoAction(text(":action:data:ftp:ping:"))), QString());
-    QTRY_COMPARE(infos.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(infos.count(), 1, patienceMs);
     KorAppInterface elsewhere(text("org.example.other"), text("/"), QDBusConnection::sessionBus(),
                               nullptr);
     QCOMPARE(answerTo(elsewhere.DBusServerStatus()),
@@ -374,7 +377,7 @@ void TestProgram::aRelativeStateDirectoryIsMadeAtTheStart()
                             nullptr);
     QSignalSpy infos(&service, &KorAppInterface::SigInfo);
     QCOMPARE(answerTo(service.SaveConfig(text("night"))), text("b true"));
-    QTRY_COMPARE(infos.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(infos.count(), 1, patienceMs);
     QCOMPARE(infos.at(0).at(0).toString(),
              text("configuration saved to ") + directory->filePath(text("a/b/night")));
     QVERIFY(endSimulator(simulator, SIGTERM));

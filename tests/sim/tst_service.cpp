@@ -2,6 +2,7 @@
 // The service as its clients see it: each method of the contract answers, nothing else does, and no
 // call brings it down.
 #include "tests/sim/simrun.h"
+#include "tests/support/patience.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -320,16 +321,17 @@ void TestService::whoWantsNoReplyGetsNone()
         return seen.contains(wanted);
     };
     // The monitor is at work once it shows a call.
-    QVERIFY(QTest::qWaitFor([this, &sees] {
+    const auto showsACall = [this, &sees] {
         service->DBusServerStatus().waitForFinished();
         return sees("member=DBusServerStatus");
-    }));
+    };
+    QVERIFY(QTest::qWaitFor(showsACall, patienceMs));
     const QDBusMessage unanswered = callOf("varn.pim", text("LogGetIds"), {});
     const QDBusMessage unknown = callOf("varn.pim", text("Reboot"), {});
     QVERIFY(QDBusConnection::sessionBus().send(unanswered));
     QVERIFY(QDBusConnection::sessionBus().send(unknown));
     QCOMPARE(answerTo(service->DbgLogGetIds()), text("as ['LOG_DATA', 'LOG_VOIP', 'LOG_XDSL']"));
-    QVERIFY(QTest::qWaitFor([&sees] { return sees("string \"LOG_XDSL\""); }));
+    QTRY_VERIFY_WITH_TIMEOUT(sees("string \"LOG_XDSL\""), patienceMs);
     QVERIFY(seen.contains("member=LogGetIds"));
     QVERIFY(!seen.contains("string \"config result action\""));
     QVERIFY(seen.contains("member=Reboot"));
