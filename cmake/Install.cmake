@@ -12,6 +12,8 @@ foreach(program IN ITEMS movra movra-sim)
 endforeach()
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra)
+install(PROGRAMS completions/candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra)
+# Each of these finds the script at ../../movra.
 install(FILES completions/movra.bash
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
   RENAME movra)

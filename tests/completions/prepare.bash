@@ -7,6 +7,7 @@ movra() { printf '\nWORDS%s>>\n' "$(printf '<%s>' "$@")"; }
 show_line() { printf '\nLINE<<%s>>\n' "$READLINE_LINE"; }
 bind '"\C-n": insert-completions'
 bind -x '"\C-t": show_line'
+[[ ! ${NOUNSET-} ]] || set -u
 # shellcheck source=/dev/null
 [[ ! ${BASH_COMPLETION-} ]] || . "$BASH_COMPLETION"
 # shellcheck source=completions/movra.bash

@@ -11,7 +11,7 @@ function show_line
     commandline -f repaint
 end
 function insert_all
-    commandline -rt -- (complete -C (commandline) | string split -f1 \t | string join ' ')
+    commandline -rt -- (complete -C (commandline) | string split -f1 \t | string escape | string join ' ')
 end
 bind \cn insert_all
 bind \ct show_line

@@ -7,6 +7,7 @@ SERVICES = [
     ("com.varn.silent",),
 ]
 
+# Must never be offered: the names of FILE and DBG SAVE_TO belong to the service's side.
 FILES = ["evening.json", "evening two.json"]
 
 CONFIGS = [
@@ -52,14 +53,18 @@ ACTIONS = [
     ":action:voip:delay:measure:",
     ":action:xdsl:line:drop:",
 ]
-LOGS = ["LOG_DATA", "LOG_VOIP", "LOG_XDSL"]
+
+# What the usage text shows and movra refuses.
+REFUSED = ["ALL", "LOG"]
 
 TUL = "movra com.varn.tul / "
+VAST = "movra com.varn.vast / "
 HOSTILE = "movra com.varn.hostile /com/varn/pim "
 
 # Name, line, all candidates for its last word.
 CANDIDATES = [
-    ("services", "movra ", ["com.varn.hostile", "com.varn.silent", "com.varn.tul"]),
+    ("services", "movra ", ["com.varn.hostile", "com.varn.silent", "com.varn.tul",
+                             "com.varn.vast"]),
     ("commands", TUL,
      ["DBG", "SIG", "NOTIFY", "SET", "SETARRAY", "GET", "LIST", "FILE", "ACTION", "SERVERSTAT",
       "SERVERCMD"]),
@@ -72,6 +77,7 @@ CANDIDATES = [
     ("GET VAL_STAT", TUL + "GET VAL_STAT ", CONFIGS + RESULTS),
     ("GET VAL_STAT_SEVER", TUL + "GET VAL_STAT_SEVER ", CONFIGS + RESULTS),
     ("SET", TUL + "SET ", CONFIGS),
+    ("SET of a boolean", TUL + "SET :config:data:ftp:passive: ", ["true", "false"]),
     ("SETARRAY: ids with a kind", TUL + "SETARRAY ", ARRAYS),
     ("a beginning with colons", TUL + "GET :config:data:f",
      [":config:data:ftp:budget:", ":config:data:ftp:limit:", ":config:data:ftp:passive:",
@@ -92,12 +98,23 @@ CANDIDATES = [
     ("NOTIFY RESULT DEL", TUL + "NOTIFY RESULT DEL ", RESULTS),
     ("DBG", TUL + "DBG ",
      ["SET", "SET_ALL", "SET_REPORTING_LEVEL", "SAVE_TO", "SAVE_STOP", "GET_IDS"]),
-    ("DBG SET", TUL + "DBG SET ", LOGS),
-    ("DBG SET_ALL", TUL + "DBG SET_ALL ", LOGS),
+    ("DBG SET", TUL + "DBG SET ",
+     ["LOG_DATA, 0, ENABLED", "LOG_DATA, 0, DISABLED", "LOG_VOIP, 0, ENABLED",
+      "LOG_VOIP, 0, DISABLED", "LOG_XDSL, 0, ENABLED", "LOG_XDSL, 0, DISABLED"]),
+    ("DBG SET_ALL", TUL + "DBG SET_ALL ",
+     ["LOG_DATA, ENABLED", "LOG_DATA, DISABLED", "LOG_VOIP, ENABLED", "LOG_VOIP, DISABLED",
+      "LOG_XDSL, ENABLED", "LOG_XDSL, DISABLED"]),
     ("DBG SET_REPORTING_LEVEL", TUL + "DBG SET_REPORTING_LEVEL ",
      ["ERROR", "INFO", "DEBUG", "DEBUG1", "DEBUG2", "DEBUG3", "DEBUG4"]),
     ("SERVERCMD", TUL + "SERVERCMD ", ["SET_RES_NOTIFY_TIMER", "SET_CFG_NOTIFY_TIMER"]),
+    ("an id of 10 MB is left out", VAST + "SET ", [":config:first:", ":config:last:"]),
+    ("one of 200,000 nodes, and a mark", "movra com.varn.vast ", ["/", "+more"]),
+    ("the 100 of 200,000 ids that begin alike", VAST + "NOTIFY RESULT ADD :result:1999",
+     [f":result:{number:06}:" for number in range(199900, 200000)]),
 ]
+
+# A service that does not answer.
+UNANSWERED = "movra com.varn.silent / SET :config:"
 
 # Name, line, the line after a Tab.
 LINES = [
@@ -117,17 +134,20 @@ LINES = [
      "movra 'com.varn.tul' \"/\" SET :config:data:ftp:userName: "),
     ("the same with more blanks", "movra  com.varn.tul   / SET :config:data:ftp:u",
      "movra  com.varn.tul   / SET :config:data:ftp:userName: "),
-    ("behind another command", "true; " + TUL + "SET :config:data:ftp:u",
+    ("after another command", "true; " + TUL + "SET :config:data:ftp:u",
      "true; " + TUL + "SET :config:data:ftp:userName: "),
-    ("a file behind FILE SAVE", TUL + "FILE SAVE evening.", TUL + "FILE SAVE evening.json "),
-    ("a file behind FILE LOAD", TUL + "FILE LOAD evening.", TUL + "FILE LOAD evening.json "),
-    ("a file behind DBG SAVE_TO", TUL + "DBG SAVE_TO evening.", TUL + "DBG SAVE_TO evening.json "),
+    ("the beginning that 1,000 of 200,000 ids have in common", VAST + "NOTIFY RESULT ADD :result:0",
+     VAST + "NOTIFY RESULT ADD :result:0"),
+    ("true or false", TUL + "SET :config:data:ftp:passive: t",
+     TUL + "SET :config:data:ftp:passive: true "),
 ]
 
 # Name, line, the words that movra gets after a Tab and Enter.
 HOSTILE_SET = ["com.varn.hostile", "/com/varn/pim", "SET"]
 WORDS = [
     ("an id with a command substitution", HOSTILE + "SET :config:d",
+     HOSTILE_SET + [":config:dollar:$(touch pwned)${HOME}:"]),
+    ("an id with a command substitution, between quotes", HOSTILE + 'SET ":config:d',
      HOSTILE_SET + [":config:dollar:$(touch pwned)${HOME}:"]),
     ("an id with grave accents", HOSTILE + "SET :config:g",
      HOSTILE_SET + [":config:grave:`touch pwned`:"]),
@@ -138,12 +158,27 @@ WORDS = [
     ("an id with every sign", HOSTILE + "SET :config:s",
      HOSTILE_SET + [":config:signs:'\"\\;&|<>*?[]{}()~#!%^=@,:"]),
     ("an id beyond ASCII", HOSTILE + "SET :config:u", HOSTILE_SET + [":config:umlaut:ü:"]),
-    ("a file with a blank", TUL + "FILE LOAD evening\\ ",
-     ["com.varn.tul", "/", "FILE", "LOAD", "evening two.json"]),
+    ("an id with a tilde at its beginning", HOSTILE + "SET \\~r", HOSTILE_SET + ["~root:"]),
+    ("the same between quotes", HOSTILE + "SET '~r", HOSTILE_SET + ["~root:"]),
+    ("the only id, with a tilde at its beginning", HOSTILE + "NOTIFY RESULT ADD ",
+     HOSTILE_SET[:2] + ["NOTIFY", "RESULT", "ADD", "~user:"]),
+    ("the value of a log", TUL + "DBG SET LOG_X\tE",
+     ["com.varn.tul", "/", "DBG", "SET", "LOG_XDSL, 0, ENABLED"]),
+    ("the value of a log, between quotes", TUL + 'DBG SET "LOG_X\tE',
+     ["com.varn.tul", "/", "DBG", "SET", "LOG_XDSL, 0, ENABLED"]),
 ]
 
-# fish leaves the quote open behind a colon.
-LEFT_OUT = {"fish": ["an id with a blank, between quotes"]}
+# bash cannot quote what the quotes do not. fish leaves the quote open after a colon, and cannot quote a
+# tilde.
+LEFT_OUT = {"bash": ["an id with a command substitution, between quotes"],
+            "fish": ["an id with a command substitution, between quotes",
+                     "an id with a blank, between quotes", "the same between quotes",
+                     "the only id, with a tilde at its beginning"]}
+SILENT_IN = {
+    "bash": [("no command substitution between quotes", HOSTILE + 'SET ":config:d'),
+             ("no grave accents between quotes", HOSTILE + 'SET ":config:g')],
+    "fish": [("no tilde without a quote", HOSTILE + "NOTIFY RESULT ADD ")],
+}
 
 # Name, a line that a Tab leaves alone.
 SILENT = [
@@ -152,25 +187,38 @@ SILENT = [
     ("no unknown command", TUL + "X"),
     ("GET ALL is refused", TUL + "GET AL"),
     ("NOTIFY LOG is refused", TUL + "NOTIFY LO"),
-    ("nothing behind SIG", TUL + "SIG "),
-    ("nothing behind SERVERSTAT", TUL + "SERVERSTAT "),
-    ("nothing behind the id of GET", TUL + "GET :config:data:ftp:port: "),
-    ("nothing behind GET and its word and id", TUL + "GET VALUE :config:data:ftp:port: "),
-    ("nothing behind NOTIFY CONFIG START", TUL + "NOTIFY CONFIG START "),
-    ("nothing behind LIST CONFIGS", TUL + "LIST CONFIGS "),
+    ("nothing after SIG", TUL + "SIG "),
+    ("nothing after SERVERSTAT", TUL + "SERVERSTAT "),
+    ("nothing after the id of GET", TUL + "GET :config:data:ftp:port: "),
+    ("nothing after GET and its word and id", TUL + "GET VALUE :config:data:ftp:port: "),
+    ("nothing after NOTIFY CONFIG START", TUL + "NOTIFY CONFIG START "),
+    ("nothing after LIST CONFIGS", TUL + "LIST CONFIGS "),
+    ("no file as the name of FILE SAVE", TUL + "FILE SAVE even"),
+    ("no file as the name of FILE LOAD", TUL + "FILE LOAD even"),
+    ("no file as the name of DBG SAVE_TO", TUL + "DBG SAVE_TO even"),
+    ("no file as the value of an integer", TUL + "SET :config:data:ftp:port: even"),
+    ("nothing for the value of an unknown id", TUL + "SET :config:no:such: "),
     ("no file as a value", TUL + "SET :config:data:ftp:userName: even"),
-    ("nothing behind DBG GET_IDS", TUL + "DBG GET_IDS "),
-    ("nothing behind a timer's word", TUL + "SERVERCMD SET_RES_NOTIFY_TIMER "),
+    ("nothing after DBG GET_IDS", TUL + "DBG GET_IDS "),
+    ("nothing after a timer's word", TUL + "SERVERCMD SET_RES_NOTIFY_TIMER "),
     ("nothing for an unknown word", TUL + "NOSUCH "),
     ("a service that nobody owns", "movra com.varn.nobody / SET :config:"),
     ("a service that could be started", "movra com.varn.asleep / SET :config:"),
-    ("a service that does not answer", "movra com.varn.silent / GET :config:"),
     ("a service name that runs something", "movra '$(touch pwned)' / SET :config:"),
+    ("words that the script could run", "movra touch pwned ask"),
     ("a path that is a switch", "movra com.varn.tul --bus=unixexec:path=touch,argv1=pwned SET :config:"),
     ("a path that does not exist", "movra com.varn.tul /no/such SET :config:"),
     ("an id with an escape sequence", HOSTILE + "SET :config:e"),
     ("an id of several lines", HOSTILE + "SET :config:l"),
     ("an id with a tab", HOSTILE + "SET :config:t"),
+    ("an id with U+009B", HOSTILE + "SET ':config:c"),
+    ("an id that changes the direction of writing", HOSTILE + "SET ':config:r"),
+]
+
+# The same in the locale C.
+SILENT_IN_LOCALE_C = [
+    ("an id with U+009B", HOSTILE + "SET ':config:c"),
+    ("an id beyond ASCII", HOSTILE + "SET ':config:u"),
 ]
 
 # The same without a bus, and without dbus-send.
