@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SETARRAY in this process: vectors that no shell can make, and more than a command line can hold.
 #include "app/movra.h"
+#include "tests/support/argumentvector.h"
 #include "tests/support/fakeservice.h"
 
 #include <QCoreApplication>
@@ -8,7 +9,6 @@
 #include <QTest>
 
 #include <memory>
-#include <vector>
 
 class tst_SetArray : public QObject
 {
@@ -16,8 +16,8 @@ class tst_SetArray : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void readingBehindTheVector_data();
-    void readingBehindTheVector();
+    void readingBeyondTheVector_data();
+    void readingBeyondTheVector();
     void sixteenMegabytesArriveWhole();
 
 private:
@@ -32,7 +32,7 @@ void tst_SetArray::initTestCase()
     QVERIFY(movra->connectToService("com.varn.tul", "/"));
 }
 
-void tst_SetArray::readingBehindTheVector_data()
+void tst_SetArray::readingBeyondTheVector_data()
 {
     QTest::addColumn<QByteArrayList>("environment");
     QTest::addColumn<QByteArray>("sent");
@@ -42,26 +42,15 @@ void tst_SetArray::readingBehindTheVector_data()
         << QByteArrayList { "", "B" } << QByteArray("['wifi', '', 'B']");
 }
 
-void tst_SetArray::readingBehindTheVector()
+void tst_SetArray::readingBeyondTheVector()
 {
     QFETCH(QByteArrayList, environment);
     QFETCH(QByteArray, sent);
 
-    // The last entry is the last that may be read: the sanitizer sees any further step.
-    QByteArrayList words { "movra",           "com.varn.tul", "/",   "SETARRAY",
-                           ":x:stringARRAY:", "512",          "wifi" };
-    std::vector<char *> argv;
-    for (QByteArray &word : words) {
-        argv.push_back(word.data());
-    }
-    argv.push_back(nullptr);
-    for (QByteArray &variable : environment) {
-        argv.push_back(variable.data());
-    }
-    argv.push_back(nullptr);
-    argv.shrink_to_fit();
-
-    QCOMPARE(movra->setArrayCommand(argv.data()), 0);
+    ArgumentVector vector(
+        { "movra", "com.varn.tul", "/", "SETARRAY", ":x:stringARRAY:", "512", "wifi" },
+        environment);
+    QCOMPARE(movra->setArrayCommand(vector.argv()), 0);
     QCOMPARE(service->waitForCalls(1),
              QByteArrayList { "SetValue a(sv) ([(':x:stringARRAY:', <" + sent + ">)],)" });
 }
@@ -70,20 +59,15 @@ void tst_SetArray::sixteenMegabytesArriveWhole()
 {
     constexpr int count = 512;
     constexpr int size = 32768;
-    std::vector<QByteArray> words { "movra",    "com.varn.tul",    "/",
-                                    "SETARRAY", ":x:stringARRAY:", "512" };
-    words.resize(words.size() + count, QByteArray(size, 'x'));
-    std::vector<char *> argv;
-    argv.reserve(words.size() + 2);
-    for (QByteArray &word : words) {
-        argv.push_back(word.data());
+    QByteArrayList words { "movra", "com.varn.tul", "/", "SETARRAY", ":x:stringARRAY:", "512" };
+    for (int i = 0; i < count; ++i) {
+        words.append(QByteArray(size, 'x'));
     }
-    argv.push_back(nullptr);
-    argv.push_back(nullptr);
+    ArgumentVector vector(words);
 
     QElapsedTimer sinceTheCall;
     sinceTheCall.start();
-    QCOMPARE(movra->setArrayCommand(argv.data()), 0);
+    QCOMPARE(movra->setArrayCommand(vector.argv()), 0);
     // The program would now stay in its event loop for 500 ms.
     while (sinceTheCall.elapsed() < 500) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 50);

@@ -3,6 +3,7 @@
 #include "bus/proxies.h"
 #include "tests/support/fakeservice.h"
 #include "tests/support/patience.h"
+#include "tests/support/signalforms.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -25,7 +26,6 @@ private Q_SLOTS:
     void signalsOfOthersAreIgnored();
     void matchRulesLastAsLongAsConnections();
     void theRuleStaysUntilTheLastConnectionGoes();
-    void theProxyEmitsItsSignalsByIndex_data();
     void theProxyEmitsItsSignalsByIndex();
 
 private:
@@ -38,6 +38,12 @@ namespace
 
 const char *const doublesSignal = SIGNAL(SigTestCompleteWithData(QString, std::vector<double>));
 const char *const unsignedSignal = SIGNAL(SigTestCompleteWithData(QString, std::vector<uint32_t>));
+
+/// What SIGNAL() makes of a signature.
+QByteArray asSignal(const char *signature)
+{
+    return QByteArray::number(QSIGNAL_CODE) + signature;
+}
 
 QByteArrayList ownRules(const FakeService &service)
 {
@@ -79,22 +85,19 @@ void tst_Signals::init()
 
 void tst_Signals::texts_data()
 {
-    QTest::addColumn<QByteArray>("signal");
     QTest::addColumn<QByteArray>("member");
-    QTest::newRow("SigAlarm") << QByteArray(SIGNAL(SigAlarm(QString))) << QByteArray("SigAlarm");
-    QTest::newRow("SigDBusServerClosing")
-        << QByteArray(SIGNAL(SigDBusServerClosing(QString))) << QByteArray("SigDBusServerClosing");
-    QTest::newRow("SigError") << QByteArray(SIGNAL(SigError(QString))) << QByteArray("SigError");
-    QTest::newRow("SigInfo") << QByteArray(SIGNAL(SigInfo(QString))) << QByteArray("SigInfo");
-    QTest::newRow("SigTestComplete")
-        << QByteArray(SIGNAL(SigTestComplete(QString))) << QByteArray("SigTestComplete");
-    QTest::newRow("SigUpdate") << QByteArray(SIGNAL(SigUpdate(QString))) << QByteArray("SigUpdate");
+    QTest::addColumn<QByteArray>("signal");
+    for (const SignalForm &form : signalForms) {
+        if (qstrcmp(form.signature, "s") == 0) {
+            QTest::newRow(form.member) << QByteArray(form.member) << asSignal(form.signal);
+        }
+    }
 }
 
 void tst_Signals::texts()
 {
-    QFETCH(QByteArray, signal);
     QFETCH(QByteArray, member);
+    QFETCH(QByteArray, signal);
 
     QSignalSpy spy(proxy.get(), signal.constData());
     QVERIFY(spy.isValid());
@@ -191,37 +194,22 @@ void tst_Signals::theRuleStaysUntilTheLastConnectionGoes()
     QCOMPARE(ownRules(*service).size(), 1);
 }
 
-void tst_Signals::theProxyEmitsItsSignalsByIndex_data()
-{
-    QTest::addColumn<QByteArray>("signal");
-    QTest::addColumn<QVariant>("data"); ///< invalid where the signal has one argument only
-    const auto row = [](const char *name, const char *signal, const QVariant &data = {}) {
-        QTest::newRow(name) << QByteArray(signal) << data;
-    };
-    row("0", SIGNAL(SigAlarm(QString)));
-    row("1", SIGNAL(SigDBusServerClosing(QString)));
-    row("2", SIGNAL(SigError(QString)));
-    row("3", SIGNAL(SigInfo(QString)));
-    row("4", SIGNAL(SigTestComplete(QString)));
-    row("5", doublesSignal, QVariant::fromValue(std::vector<double> { 1.5 }));
-    row("6", unsignedSignal, QVariant::fromValue(std::vector<uint32_t> { 7 }));
-    row("7", SIGNAL(SigUpdate(QString)));
-}
-
 void tst_Signals::theProxyEmitsItsSignalsByIndex()
 {
-    QFETCH(QByteArray, signal);
-    QFETCH(QVariant, data);
-
-    QSignalSpy spy(proxy.get(), signal.constData());
+    QVariant doubles = QVariant::fromValue(std::vector<double> { 1.5 });
+    QVariant unsignedNumbers = QVariant::fromValue(std::vector<uint32_t> { 7 });
     QString text = QStringLiteral("direct");
-    void *arguments[] = { nullptr, &text, data.data() };
-    const int index = KorAppInterface::staticMetaObject.methodOffset()
-        + QByteArray(QTest::currentDataTag()).toInt();
-    QVERIFY(proxy->qt_metacall(QMetaObject::InvokeMetaMethod, index, arguments) < 0);
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(spy.at(0).at(0), QVariant(text));
-    QCOMPARE(spy.at(0).value(1).userType(), data.userType());
+    for (const SignalForm &form : signalForms) {
+        const QByteArray signature = form.signature;
+        QVariant &data = signature == "sad" ? doubles : unsignedNumbers;
+        QSignalSpy spy(proxy.get(), asSignal(form.signal).constData());
+        void *arguments[] = { nullptr, &text, data.data() };
+        const int index = KorAppInterface::staticMetaObject.indexOfSignal(form.signal);
+        QVERIFY(proxy->qt_metacall(QMetaObject::InvokeMetaMethod, index, arguments) < 0);
+        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0).at(0), QVariant(text));
+        QCOMPARE(spy.at(0).value(1).userType(), signature == "s" ? 0 : data.userType());
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Signals)

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Destinations, unknown words and the half second, through the built program.
+// Destinations and the half second, through the built program.
+#include "tests/support/commandforms.h"
 #include "tests/support/movrarun.h"
 
 #include <QTest>
 
 #include <chrono>
+#include <memory>
 
 namespace
 {
@@ -46,23 +48,14 @@ std::vector<MovraRow> rows()
         { "the path travels as typed", { "@", "/a/b_1", "SERVERSTAT" }, answerStatus, "5\n",
           { "/a/b_1 DBusServerStatus" }, 0 },
 
-        { "an unknown word", { "@", "/", "NOPE" }, {}, unknownWord, {}, 1 },
-        { "a command word in lower case", { "@", "/", "get" }, {}, unknownWord, {}, 1 },
-        { "a longer word", { "@", "/", "SERVERSTATS" }, {}, unknownWord, {}, 1 },
-        { "the beginning of a word", { "@", "/", "SERVER" }, {}, unknownWord, {}, 1 },
-        { "an empty word", { "@", "/", "" }, {}, unknownWord, {}, 1 },
-        { "-h as the command word is an unknown word", { "@", "/", "-h" }, {}, unknownWord, {}, 1 },
-        { "--help as the command word is an unknown word", { "@", "/", "--help", "x" }, {},
-          unknownWord, {}, 1 },
-        { "-h as an argument is an argument", { "@", "/", "ACTION", "-h" }, {}, "",
-          { "DoAction s ('-h',)" }, 0 },
+        sends("-h as an argument is an argument", { "ACTION", "-h" }, "DoAction s ('-h',)"),
         { "-H is a service", { "-H", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },
 
         // QCoreApplication takes these words out of the vector.
         { "a debugger word in front changes nothing",
           { "-qmljsdebugger=x", "@", "/", "SERVERSTAT" }, answerStatus, "5\n",
           { "DBusServerStatus" }, 0 },
-        { "a debugger word takes the one behind along",
+        { "a debugger word takes the next one along",
           { "@", "-qmljsdebugger", "x", "/", "SERVERSTAT" }, answerStatus, "5\n",
           { "DBusServerStatus" }, 0 },
         { "a command word that was taken out is an unknown word", { "@", "/", "-qmljsdebugger=x" },
@@ -82,67 +75,45 @@ std::vector<MovraRow> rows()
 
 } // namespace
 
-class tst_Connection : public QObject
+class tst_Connection : public MovraRowsTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void run_data() { table.addTestData(); }
-    void run()
+public:
+    tst_Connection()
+        : MovraRowsTest(rows())
     {
-        QFETCH(int, row);
-        table.check(row);
     }
-    void theHalfSecond_data();
+
+private Q_SLOTS:
     void theHalfSecond();
-
-private:
-    MovraRows table { rows() };
 };
-
-void tst_Connection::theHalfSecond_data()
-{
-    QTest::addColumn<QByteArrayList>("request");
-    QTest::addColumn<QByteArray>("out");
-    QTest::newRow("after an answer") << QByteArrayList { "SERVERSTAT" } << QByteArray("5\n");
-    QTest::newRow("after a refused call")
-        << QByteArrayList { "ACTION", "x" } << QByteArray("Reply Not Valid     err=\n");
-    QTest::newRow("after an unknown word") << QByteArrayList { "NOPE" } << unknownWord;
-    QTest::newRow("after a word that is not supported")
-        << QByteArrayList { "SERVERCMD", "NO", "1" } << error("2");
-    QTest::newRow("after GET") << QByteArrayList { "GET", "x" } << QByteArray("text\n");
-    QTest::newRow("after LIST") << QByteArrayList { "LIST", "CONFIGS" } << QByteArray("a\n");
-    QTest::newRow("after FILE") << QByteArrayList { "FILE", "SAVE", "x" } << QByteArray();
-    QTest::newRow("after SET") << QByteArrayList { "SET", "x", "y" } << QByteArray();
-    QTest::newRow("after SETARRAY")
-        << QByteArrayList { "SETARRAY", "int32ARRAY", "1", "5" } << QByteArray();
-    QTest::newRow("after NOTIFY") << QByteArrayList { "NOTIFY", "CONFIG", "START" } << QByteArray();
-    QTest::newRow("after DBG") << QByteArrayList { "DBG", "SET", "x" } << QByteArray();
-    QTest::newRow("after a missing argument") << QByteArrayList { "ACTION" } << error("3");
-}
 
 void tst_Connection::theHalfSecond()
 {
-    QFETCH(QByteArrayList, request);
-    QFETCH(QByteArray, out);
-
     FakeService service;
-    answerStatus(service);
-    service.refuse("DoAction", "varn.pim.Error.Refused", "no");
-    service.answer("GetValue", "(<'text'>,)");
-    service.answer("ListConfigIds", "(['a'],)");
-    service.answer("SaveConfig", "(true,)");
-    Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + request,
-                    busEnvironment());
-    // The line comes through the pipe while the program stays.
-    QVERIFY(program.waitForLines(out.count('\n')));
-    QCOMPARE(program.out, out);
-    QVERIFY(program.waitForEnd());
-    QCOMPARE(program.out, out);
-    const std::chrono::duration<double, std::milli> whole = program.ended - program.started;
-    // The upper limit is wide because machines are busy.
-    QVERIFY2(whole.count() >= 500 && whole.count() < 10000,
-             QByteArray::number(whole.count()).constData());
+    answerAll(service);
+    std::vector<CommandForm> forms = firstForms();
+    for (const QByteArrayList &refused : { QByteArrayList { "NOPE" }, { "GET" } }) {
+        forms.push_back(formOf(refused));
+        forms.back().words = refused;
+        forms.back().out = forms.back().failed;
+    }
+    std::vector<std::unique_ptr<Program>> programs;
+    programs.reserve(forms.size());
+    for (const CommandForm &form : forms) {
+        programs.push_back(
+            std::make_unique<Program>(MOVRA_PROGRAM, requestOf(form), busEnvironment()));
+    }
+    for (std::size_t i = 0; i < forms.size(); ++i) {
+        Program &program = *programs[i];
+        QVERIFY(program.waitForEnd());
+        QCOMPARE(program.out, forms[i].out);
+        const std::chrono::duration<double, std::milli> whole = program.ended - program.started;
+        // The upper limit is wide because machines are busy.
+        QVERIFY2(whole.count() >= 500 && whole.count() < 10000,
+                 (forms[i].words.join(' ') + ' ' + QByteArray::number(whole.count())).constData());
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Connection)

@@ -1,125 +1,136 @@
 // SPDX-License-Identifier: MIT
-// What each command form prints, and how it ends, when the service is not there, refuses or leaves.
+// What each command form prints, and how it ends, when the service is not there, refuses, answers
+// with another type, or leaves.
 #include "tests/support/commandforms.h"
 #include "tests/support/movrarun.h"
 
 #include <QTest>
 
+#include <functional>
 #include <memory>
 
 namespace
 {
 
-/// How the runs of a state end: before a call, or as the call's outcome says.
-enum class Outcome { NotConnected, Answered, Failed };
+/// How far the runs of a state get. A reply of another type is a failed call only for the forms
+/// that read the reply.
+enum class Outcome { NotConnected, NotSent, Failed, OtherType, Answered };
 
 struct State {
     const char *name;
     QByteArray service; ///< "@" stands for the run's own
     QByteArray path;
-    QByteArray error; ///< that the service answers with; may be empty
-    bool leaves; ///< instead of answering, or right behind the answer
-    bool calls; ///< whether the call reaches the service
     Outcome outcome;
     QByteArray text; ///< behind `error:`, or behind `err=`
+    std::function<void(FakeService &, const CommandForm &)> prepare {}; ///< lets the service answer
 };
+
+auto refuses(const char *error)
+{
+    return [=](FakeService &service, const CommandForm &form) {
+        service.refuse(form.member, QByteArray("org.freedesktop.DBus.Error.") + error,
+                       "the reply's own text is never shown");
+    };
+}
+
+auto replies(const char *body)
+{
+    return
+        [=](FakeService &service, const CommandForm &form) { service.answer(form.member, body); };
+}
 
 const std::vector<State> &states()
 {
     using Is = Outcome;
-    const QByteArray error = "org.freedesktop.DBus.Error.";
     // clang-format off
     static const std::vector<State> table {
-        { "nobody owns the name", "com.varn.nobody", "/", {}, false, false, Is::NotConnected, "" },
-        { "a malformed name", "a..b", "/", {}, false, false, Is::NotConnected,
-          "Invalid service name: a..b" },
-        { "a malformed path", "@", "no/slash", {}, false, false, Is::NotConnected,
-          "Invalid object path: no/slash" },
-        { "an empty path", "@", "", {}, false, false, Is::Failed, "Object path cannot be empty" },
-        { "gone before the call", ":1.999999", "/", {}, false, false, Is::Failed, "" },
-        { "no such object", "@", "/", error + "UnknownObject", false, true, Is::Failed, "" },
-        { "nothing at that path", "@", "/nothing/here", error + "UnknownObject", false, true,
-          Is::Failed, "" },
-        { "no such interface", "@", "/", error + "UnknownInterface", false, true, Is::Failed, "" },
-        { "no such method", "@", "/", error + "UnknownMethod", false, true, Is::Failed, "" },
-        { "leaves during the call", "@", "/", {}, true, true, Is::Failed, "" },
-        { "leaves after the answer", "@", "/", {}, true, true, Is::Answered, "" },
+        { "nobody owns the name", "com.varn.nobody", "/", Is::NotConnected, "" },
+        { "a malformed name", "a..b", "/", Is::NotConnected, "Invalid service name: a..b" },
+        { "a malformed path", "@", "no/slash", Is::NotConnected, "Invalid object path: no/slash" },
+        { "an empty path", "@", "", Is::NotSent, "Object path cannot be empty" },
+        { "gone before the call", ":1.999999", "/", Is::NotSent, "" },
+        { "no such object", "@", "/", Is::Failed, "", refuses("UnknownObject") },
+        { "nothing at that path", "@", "/nothing/here", Is::Failed, "", refuses("UnknownObject") },
+        { "no such interface", "@", "/", Is::Failed, "", refuses("UnknownInterface") },
+        { "no such method", "@", "/", Is::Failed, "", refuses("UnknownMethod") },
+        { "an empty reply", "@", "/", Is::OtherType, "", replies("()") },
+        { "a reply of another type", "@", "/", Is::OtherType, "", replies("(signature '',)") },
+        { "a reply with more after what is expected", "@", "/", Is::Answered, "",
+          [](FakeService &service, const CommandForm &form) {
+              const bool isEmpty = form.answer == "()";
+              service.answer(form.member,
+                             (isEmpty ? "(" : form.answer.chopped(1)) + "'more', <1>)");
+          } },
+        { "leaves during the call", "@", "/", Is::Failed, "",
+          [](FakeService &service, const CommandForm &form) { service.leaveOn(form.member); } },
+        { "leaves after the answer", "@", "/", Is::Answered, "",
+          [](FakeService &service, const CommandForm &form) {
+              service.answer(form.member, form.answer);
+              service.leaveAfterAnswer();
+          } },
     };
     // clang-format on
     return table;
 }
 
-Prepare prepare(const State &state, const CommandForm &form)
+MovraRow rowOf(const State &state, const CommandForm &form)
 {
-    return [=](FakeService &service) {
-        if (state.outcome == Outcome::Answered) {
-            service.answer(form.member, form.answer);
-            service.leaveAfterAnswer();
-        } else if (state.leaves) {
-            service.leaveOn(form.member);
-        } else {
-            service.refuse(form.member, state.error, "the reply's own text is never shown");
-        }
-    };
-}
-
-MovraRow cell(const State &state, const CommandForm &form)
-{
-    MovraRow row {
-        QByteArray(state.name) + ": " + form.name,
-        QByteArrayList { state.service, state.path } + form.words,
-        prepare(state, form),
-        {},
-        {},
-        0,
-    };
+    MovraRow row { QByteArray(state.name) + ": " + form.name,
+                   QByteArrayList { state.service, state.path } + form.words,
+                   {},
+                   {},
+                   {},
+                   0 };
+    if (state.prepare) {
+        row.prepare = [=](FakeService &service) { state.prepare(service, form); };
+    }
     if (state.outcome == Outcome::NotConnected) {
         row.out = "Client DBus Interface not valid, error: " + state.text + '\n';
         row.status = 1;
-    } else if (state.outcome == Outcome::Answered) {
+        return row;
+    }
+    if (state.outcome != Outcome::NotSent) {
+        row.calls.append((state.path == "/" ? QByteArray() : state.path + ' ') + form.call);
+    }
+    if (state.outcome == Outcome::Answered
+        || (state.outcome == Outcome::OtherType && form.signature.isEmpty())) {
         row.out = form.out;
     } else {
         row.out = QByteArray(form.failed).replace("err=\n", "err=" + state.text + '\n');
         row.status = form.failedStatus;
-    }
-    if (state.calls) {
-        row.calls.append((state.path == "/" ? QByteArray() : state.path + ' ') + form.call);
     }
     return row;
 }
 
 std::vector<MovraRow> rows()
 {
-    std::vector<MovraRow> cells;
+    std::vector<MovraRow> table;
     for (const State &state : states()) {
         for (const CommandForm &form : commandForms()) {
-            cells.push_back(cell(state, form));
+            table.push_back(rowOf(state, form));
         }
         // The monitor calls nothing, so nothing but the connection can fail it.
         if (state.outcome == Outcome::NotConnected) {
-            cells.push_back(cell(state, monitorForm()));
+            table.push_back(rowOf(state, monitorForm()));
         }
     }
-    return cells;
+    return table;
 }
 
 } // namespace
 
-class tst_ServiceFailures : public QObject
+class tst_ServiceFailures : public MovraRowsTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void run_data() { table.addTestData(); }
-    void run()
+public:
+    tst_ServiceFailures()
+        : MovraRowsTest(rows())
     {
-        QFETCH(int, row);
-        table.check(row);
     }
-    void aRestartDuringTheCallFailsItAndRepeatsNothing();
 
-private:
-    MovraRows table { rows() };
+private Q_SLOTS:
+    void aRestartDuringTheCallFailsItAndRepeatsNothing();
 };
 
 void tst_ServiceFailures::aRestartDuringTheCallFailsItAndRepeatsNothing()

@@ -1,39 +1,34 @@
 // SPDX-License-Identifier: MIT
 #include "tests/fuzz/expected.h"
 
+#include "tests/support/commandforms.h"
+#include "tests/support/movrarun.h"
+
 #include <algorithm>
-#include <string_view>
 
 namespace
 {
 
-bool beginsWith(const std::string &text, const std::string &prefix)
+bool areDigits(const QByteArray &text)
 {
-    return text.compare(0, prefix.size(), prefix) == 0;
+    return !text.isEmpty()
+        && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-bool isOneOf(const std::string &text, const Words &words)
+QByteArray withoutLeadingZeros(QByteArray digits)
 {
-    return std::find(words.begin(), words.end(), text) != words.end();
-}
-
-bool areDigits(const std::string &text)
-{
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-}
-
-std::string withoutLeadingZeros(const std::string &digits)
-{
-    const std::size_t first = digits.find_first_not_of('0');
-    return first == std::string::npos ? "0" : digits.substr(first);
+    while (digits.size() > 1 && digits.startsWith('0')) {
+        digits.remove(0, 1);
+    }
+    return digits;
 }
 
 /// The first of the kind words that the identifier holds, or nothing.
-std::string_view kindIn(const std::string &id)
+QByteArray kindIn(const QByteArray &id)
 {
     for (const char *kind : { "doubleARRAY", "floatARRAY", "uint32ARRAY", "int32ARRAY",
                               "uint64ARRAY", "int64ARRAY", "stringARRAY" }) {
-        if (id.find(kind) != std::string::npos) {
+        if (id.contains(kind)) {
             return kind;
         }
     }
@@ -42,178 +37,99 @@ std::string_view kindIn(const std::string &id)
 
 /// An unsigned decimal number of 32 bits, blanks around it and a plus before it allowed; 0 for
 /// anything else.
-unsigned long lengthIn(const std::string &typed)
+qulonglong lengthIn(QByteArray text)
 {
-    const char *const blanks = " \t\n\v\f\r\x85\xa0";
-    const std::size_t first = typed.find_first_not_of(blanks);
-    if (first == std::string::npos) {
-        return 0;
+    const QByteArray blanks = " \t\n\v\f\r\x85\xa0";
+    while (!text.isEmpty() && blanks.contains(text.front())) {
+        text.remove(0, 1);
     }
-    std::string text = typed.substr(first, typed.find_last_not_of(blanks) - first + 1);
-    if (text.front() == '+') {
-        text.erase(0, 1);
+    while (!text.isEmpty() && blanks.contains(text.back())) {
+        text.chop(1);
     }
-    if (!areDigits(text)) {
-        return 0;
+    if (text.startsWith('+')) {
+        text.remove(0, 1);
     }
-    const std::string digits = withoutLeadingZeros(text);
-    const unsigned long long number = digits.size() > 10 ? 0 : std::stoull(digits);
-    return number > 4294967295 ? 0 : static_cast<unsigned long>(number);
+    const QByteArray digits = withoutLeadingZeros(text);
+    const qulonglong number = areDigits(digits) && digits.size() <= 10 ? digits.toULongLong() : 0;
+    return number > 4294967295 ? 0 : number;
 }
 
-Outcome ofNotify(const Words &arguments)
+/// A SETARRAY with all its words.
+ExpectedOutcome ofSetArray(const QByteArray &id, const QByteArray &length)
 {
-    const std::size_t count = arguments.size();
-    if (count == 0) {
-        return { 3 };
+    const qulonglong number = lengthIn(length);
+    if (number < 1 || number > 512) {
+        return { 2, "Unsupported  array size " + QByteArray::number(number) + '\n' + error(2), {} };
     }
-    if (!isOneOf(arguments[0], { "CONFIG", "RESULT" }) || count == 1) {
-        return { 2 };
-    }
-    const bool done = isOneOf(arguments[1], { "START", "STOP", "CLEAR" })
-        || (isOneOf(arguments[1], { "ADD", "DEL" }) && count > 2);
-    return { done ? 0 : 3 };
+    return kindIn(id).isEmpty() ? ExpectedOutcome { 2, error(2), {} }
+                                : ExpectedOutcome { 0, {}, {} };
 }
 
-Outcome ofSetArray(const Words &arguments)
+ExpectedOutcome ofRequest(const QByteArrayList &request, const QByteArray &lastError)
 {
-    if (arguments.size() < 3) {
-        return { 3 };
-    }
-    const unsigned long length = lengthIn(arguments[1]);
-    if (length < 1 || length > 512) {
-        return { 2, "Unsupported  array size " + std::to_string(length) + "\n" };
-    }
-    return { kindIn(arguments[0]).empty() ? 2 : 0 };
-}
-
-Outcome ofGet(const Words &arguments, const std::string &error)
-{
-    if (arguments.empty()) {
-        return { 3 };
-    }
-    const std::string &word = arguments[0];
-    const bool served = arguments.size() == 1 || beginsWith(word, "STATUS")
-        || beginsWith(word, "VALUE") || beginsWith(word, "VAL_STAT");
-    return served ? Outcome { 0, "Reply Not Valid   err=" + error + "\n" } : Outcome { 2 };
-}
-
-Outcome ofDbg(const Words &arguments, const std::string &error)
-{
-    if (arguments.empty()) {
-        return { 3 };
-    }
-    const std::string &word = arguments[0];
-    if (word == "GET_IDS") {
-        return { 0, "DBG GET_IDS  ERROR  err=" + error + "\n" };
-    }
-    if (word != "SAVE_STOP" && arguments.size() == 1) {
-        return { 2 };
-    }
-    return { 0, "DBG " + word + "   ERROR     err=" + error + "\n" };
-}
-
-Outcome failedCall(const std::string &error)
-{
-    return { 0, "Reply Not Valid     err=" + error + "\n" };
-}
-
-/// FILE and SERVERCMD: one of two words, and a value.
-Outcome ofWordAndValue(const Words &arguments, const Words &served, const std::string &error)
-{
-    if (arguments.size() < 2) {
-        return { 3 };
-    }
-    return isOneOf(arguments[0], served) ? failedCall(error) : Outcome { 2 };
-}
-
-Outcome ofCommand(const std::string &command, const Words &arguments, const std::string &error)
-{
-    if (command == "DBG") {
-        return ofDbg(arguments, error);
-    }
-    if (command == "SIG") {
+    const CommandForm form = formOf(request);
+    if (form.words.first() == "SIG") {
         return { 0, "",
                  "QObject::connect: No such signal "
                  "KorAppInterface::SigLogNotification(QStringList)\n" };
     }
-    if (command == "NOTIFY") {
-        return ofNotify(arguments);
+    if (form.words.first() == "SETARRAY") {
+        return ofSetArray(request[1], request[2]);
     }
-    if (command == "SET") {
-        return { arguments.size() < 2 ? 3 : 0 };
+    QByteArray failed = form.failed;
+    if (failed.startsWith("DBG SET ")) {
+        failed.replace(0, 7, "DBG " + request[1]); // whatever was typed
     }
-    if (command == "SETARRAY") {
-        return ofSetArray(arguments);
+    if (failed.endsWith("err=\n")) {
+        failed.insert(failed.size() - 1, lastError);
     }
-    if (command == "GET") {
-        return ofGet(arguments, error);
-    }
-    if (command == "LIST") {
-        // Whatever is asked: a failed call has the status of a missing word.
-        return { 3 };
-    }
-    if (command == "FILE") {
-        return ofWordAndValue(arguments, { "SAVE", "LOAD" }, error);
-    }
-    if (command == "ACTION") {
-        return arguments.empty() ? Outcome { 3 } : failedCall(error);
-    }
-    if (command == "SERVERSTAT") {
-        return failedCall(error);
-    }
-    if (command == "SERVERCMD") {
-        return ofWordAndValue(arguments, { "SET_RES_NOTIFY_TIMER", "SET_CFG_NOTIFY_TIMER" }, error);
-    }
-    return { 1 };
+    return { form.failedStatus, failed, {} };
 }
 
 } // namespace
 
-bool usageExpected(const Words &words)
+bool usageExpected(const QByteArrayList &words)
 {
-    return words.size() < 4 || beginsWith(words[1], "-h") || beginsWith(words[1], "--h");
+    return words.size() < 4 || words[1].startsWith("-h") || words[1].startsWith("--h");
 }
 
-bool isConnectionError(const std::string &error, const Words &words)
+bool isConnectionError(const QByteArray &error, const QByteArrayList &words)
 {
     return error == "Not connected to D-Bus server"
-        || (words.size() > 1 && error == "Invalid service name: " + words[1])
-        || (words.size() > 2 && error == "Invalid object path: " + words[2]);
+        || error == "Invalid service name: " + words.value(1)
+        || error == "Invalid object path: " + words.value(2);
 }
 
-Outcome expectedOutcome(const Words &words, const Errors &errors)
+ExpectedOutcome expectedOutcome(const QByteArrayList &words, const Errors &errors)
 {
-    Outcome outcome { 1 };
-    if (words.size() > 3) {
-        outcome = ofCommand(words[3], { words.begin() + 4, words.end() }, errors.last);
-    }
-    outcome.printed.insert(0,
-                           "Client DBus Interface not valid, error: " + errors.ofConnection + "\n");
+    ExpectedOutcome outcome = ofRequest(words.mid(3), errors.last);
+    outcome.printed.prepend("Client DBus Interface not valid, error: " + errors.ofConnection
+                            + '\n');
     return outcome;
 }
 
-std::optional<std::string> expectedElement(const std::string &id, const std::string &typed)
+std::optional<QByteArray> expectedElement(const QByteArray &id, const QByteArray &typed)
 {
-    const std::string_view kind = kindIn(id);
+    const QByteArray kind = kindIn(id);
     if (kind == "stringARRAY") {
         return typed;
     }
-    const bool negative = beginsWith(typed, "-");
-    const std::string digits = typed.substr(negative ? 1 : 0);
+    const bool negative = typed.startsWith('-');
+    const QByteArray digits = typed.mid(negative ? 1 : 0);
     if (areDigits(digits) && digits.size() < 10) {
-        const std::string number = withoutLeadingZeros(digits);
+        const QByteArray number = withoutLeadingZeros(digits);
         if (!negative) {
             return number;
         }
         if (number != "0") {
-            return kind.front() == 'u' ? "0" : "-" + number;
+            return kind.startsWith('u') ? QByteArray("0") : "-" + number;
         }
     }
     // "inf" and "nan" are doubles.
     const bool whole = kind != "doubleARRAY" && kind != "floatARRAY";
-    if (whole && typed.find_first_of("0123456789") == std::string::npos) {
-        return "0";
+    if (whole
+        && std::none_of(typed.begin(), typed.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+        return QByteArray("0");
     }
     return {};
 }

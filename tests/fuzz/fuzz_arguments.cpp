@@ -8,9 +8,10 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const std::string problem = problemWith(std::string(data, data + size));
-    if (!problem.empty()) {
-        std::cerr << problem;
+    const QByteArray problem =
+        problemWith({ reinterpret_cast<const char *>(data), static_cast<int>(size) });
+    if (!problem.isEmpty()) {
+        std::cerr << problem.constData();
         std::abort();
     }
     return 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Replays what the fuzzer starts from: every file of the corpus, one row each.
+// Replays every file of the corpus, from which the fuzzer starts, and every command form.
 #include "tests/fuzz/arguments.h"
+#include "tests/support/commandforms.h"
 
 #include <QDir>
 #include <QTest>
@@ -26,18 +27,21 @@ void tst_Corpus::initTestCase()
 
 void tst_Corpus::replay_data()
 {
-    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("words");
     for (const QString &name : names) {
-        QTest::newRow(qPrintable(name)) << corpus.filePath(name);
+        QFile file(corpus.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QTest::newRow(qPrintable(name)) << file.readAll();
+    }
+    for (const CommandForm &form : commandForms()) {
+        QTest::newRow(form.name) << requestOf(form).join('\n');
     }
 }
 
 void tst_Corpus::replay()
 {
-    QFETCH(QString, file);
-    QFile words(file);
-    QVERIFY(words.open(QIODevice::ReadOnly));
-    QCOMPARE(QByteArray::fromStdString(problemWith(words.readAll().toStdString())), QByteArray());
+    QFETCH(QByteArray, words);
+    QCOMPARE(problemWith(words), QByteArray());
 }
 
 QTEST_APPLESS_MAIN(tst_Corpus)

@@ -150,7 +150,7 @@ QByteArray RandomReplies::value(const QByteArray &signature, int &from, int dept
                 : deep(pick(deepestArray), pick(deepestStructure), 0);
             return "<@" + inner.signature + " " + inner.text + ">";
         }
-        // What lies in a variant has a type of its own.
+        // The content of a variant has a type of its own.
         const QByteArray inner = type(depth + 1);
         int position = 0;
         return "<@" + inner + " " + value(inner, position, depth + 1) + ">";

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/hostile/requests.h"
 
-#include "app/commands.h"
-#include "tests/support/capture.h"
-#include "tests/support/movrarun.h"
-
 namespace
 {
 
@@ -28,28 +24,6 @@ const std::vector<CommandForm> &requests()
 {
     static const std::vector<CommandForm> all = allRequests();
     return all;
-}
-
-Outcome make(const CommandForm &request, Movra &movra)
-{
-    QByteArrayList words = QByteArrayList { "movra" } + requestOf(request);
-    std::vector<char *> argv;
-    argv.reserve(static_cast<std::size_t>(words.size()) + 2);
-    for (QByteArray &word : words) {
-        argv.push_back(word.data());
-    }
-    argv.insert(argv.end(), { nullptr, nullptr });
-
-    const Command *const command = findCommand(request.words.first().toStdString());
-    Outcome outcome {};
-    outcome.out = captureOutput([&] {
-        outcome.err =
-            captureErrors([&] { outcome.status = (movra.*command->handler)(argv.data()); });
-    });
-    if (outcome.status != 0) {
-        outcome.out += error(QByteArray::number(outcome.status).constData());
-    }
-    return outcome;
 }
 
 QByteArray faultOf(const CommandForm &request, const Outcome &outcome, bool taken)

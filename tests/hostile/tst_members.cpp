@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Every member of the proxy, those that no command calls included, against a service that lies.
+// Every member of the proxy against random answers, also those that no command calls.
 #include "app/messagefilter.h"
 #include "bus/proxies.h"
-#include "tests/hostile/lies.h"
+#include "tests/hostile/randomanswers.h"
 #include "tests/support/capture.h"
 
 #include <QTest>
@@ -92,16 +92,16 @@ class tst_Members : public QObject
 private Q_SLOTS:
     void initTestCase();
     void randomReplies_data() { addMembers(); }
-    void randomReplies() { attack(Lie::Reply); }
+    void randomReplies() { attack(Answers::Replies); }
     void everyReplyTwice_data() { addMembers(); }
-    void everyReplyTwice() { attack(Lie::ReplyTwice); }
+    void everyReplyTwice() { attack(Answers::RepliesSentTwice); }
     void randomErrors_data() { addMembers(); }
-    void randomErrors() { attack(Lie::Error); }
+    void randomErrors() { attack(Answers::Errors); }
 
 private:
     static void addMembers();
-    /// Has the service lie about the row.
-    void attack(Lie lie);
+    /// Answers the row at random.
+    void attack(Answers answers);
     /// Calls the member; the reply was taken or it was not.
     void check(const Member &member, bool taken, const QByteArray &reply);
 
@@ -139,12 +139,12 @@ void tst_Members::check(const Member &member, bool taken, const QByteArray &repl
     QCOMPARE(service->takeCalls().size(), 1);
 }
 
-void tst_Members::attack(Lie lie)
+void tst_Members::attack(Answers answers)
 {
     QFETCH(int, index);
     const Member &member = members().at(static_cast<std::size_t>(index));
-    lieAbout(*service, member.name, member.signature, lie,
-             [&](bool taken, const QByteArray &answer) { check(member, taken, answer); });
+    answerAtRandom(*service, member.name, member.signature, answers,
+                   [&](bool taken, const QByteArray &answer) { check(member, taken, answer); });
 }
 
 QTEST_GUILESS_MAIN(tst_Members)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A name that changes hands before, while and after its owner is asked.
+// Name takeover: the destination's name changes its owner before, during and after a call.
 #include "app/messagefilter.h"
 #include "tests/hostile/requests.h"
 #include "tests/support/fakeservice.h"
@@ -25,12 +25,12 @@ struct Rival : FakeService {
     }
 };
 
-/// Two services that take the name from each other as fast as they can.
+/// Two services that take the name over from each other as fast as they can.
 class Rivals
 {
 public:
     Rivals()
-        : quarrel([this] {
+        : takeover([this] {
             while (!over) {
                 first.takeName();
                 second.takeName();
@@ -42,12 +42,12 @@ public:
     Rivals(const Rivals &) = delete;
     Rivals &operator=(const Rivals &) = delete;
 
-    /// Ends the quarrel: the second service keeps the name.
+    /// Ends the takeovers: the second service keeps the name.
     void settle()
     {
         over = true;
-        if (quarrel.joinable()) {
-            quarrel.join();
+        if (takeover.joinable()) {
+            takeover.join();
         }
     }
 
@@ -56,7 +56,7 @@ public:
 
 private:
     std::atomic<bool> over { false };
-    std::thread quarrel;
+    std::thread takeover;
 };
 
 } // namespace
@@ -66,11 +66,11 @@ class tst_Owners : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void requestsDuringAQuarrel();
-    void monitorsStartedDuringAQuarrel();
+    void requestsDuringNameTakeover();
+    void monitorsStartedDuringNameTakeover();
 };
 
-void tst_Owners::requestsDuringAQuarrel()
+void tst_Owners::requestsDuringNameTakeover()
 {
     installMessageFilter();
     Rivals rivals;
@@ -80,7 +80,7 @@ void tst_Owners::requestsDuringAQuarrel()
     QVERIFY(movra.connectToService("com.varn.tul", "/"));
     for (int run = setting("MOVRA_HOSTILE_RUNS", 200) / 10; run > 0; --run) {
         for (const CommandForm &form : commandForms()) {
-            const Outcome outcome = make(form, movra);
+            const Outcome outcome = callHandler(movra, requestOf(form));
             QCOMPARE(outcome.out, form.out);
             QCOMPARE(outcome.err, QByteArray());
             QCOMPARE(outcome.status, 0);
@@ -88,7 +88,7 @@ void tst_Owners::requestsDuringAQuarrel()
     }
 }
 
-void tst_Owners::monitorsStartedDuringAQuarrel()
+void tst_Owners::monitorsStartedDuringNameTakeover()
 {
     Rivals rivals;
     std::vector<std::unique_ptr<Program>> monitors;

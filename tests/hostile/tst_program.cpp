@@ -47,7 +47,7 @@ std::vector<MovraRow> extremes()
         { "an error with a name of 255 bytes", { "@", "/", "LIST", "LOGS" },
           [](FakeService &service) {
               service.refuse("LogGetIds", "a." + QByteArray(253, 'b'), "");
-          }, error("3"), { "LogGetIds" }, 3 },
+          }, error(3), { "LogGetIds" }, 3 },
         { "arrays 31 deep", { "@", "/", "GET", "x" },
           answers("GetValue", nested(31, "[", "]")), "", { "GetValue s ('x',)" }, 0 },
         { "structures 31 deep", { "@", "/", "GET", "x" },
@@ -90,7 +90,7 @@ void tst_Program::randomReplies()
         std::vector<Run> runs;
         for (const CommandForm &request : requests()) {
             const QByteArray destination =
-                "com.varn.lie" + QByteArray::number(static_cast<int>(runs.size()));
+                "com.varn.random" + QByteArray::number(static_cast<int>(runs.size()));
             Run run { replies.next(request.signature), nullptr, nullptr };
             run.service = std::make_unique<FakeService>(destination);
             run.service->answer(request.member, run.reply.text);

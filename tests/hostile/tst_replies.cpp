@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Every request against a service that lies. Handlers are called in this process, so that there is
-// no half second.
+// Every request against random answers. Handlers are called in this process, so that there is no
+// half second.
 #include "app/messagefilter.h"
-#include "tests/hostile/lies.h"
+#include "tests/hostile/randomanswers.h"
 #include "tests/hostile/requests.h"
 #include "tests/support/patience.h"
 
@@ -18,17 +18,17 @@ class tst_Replies : public QObject
 private Q_SLOTS:
     void initTestCase();
     void randomReplies_data() { addRequests(); }
-    void randomReplies() { attack(Lie::Reply); }
+    void randomReplies() { attack(Answers::Replies); }
     void everyReplyTwice_data() { addRequests(); }
-    void everyReplyTwice() { attack(Lie::ReplyTwice); }
+    void everyReplyTwice() { attack(Answers::RepliesSentTwice); }
     void randomErrors_data() { addRequests(); }
-    void randomErrors() { attack(Lie::Error); }
+    void randomErrors() { attack(Answers::Errors); }
     void cleanupTestCase();
 
 private:
     static void addRequests();
-    /// Has the service lie about the row.
-    void attack(Lie lie);
+    /// Answers the row at random.
+    void attack(Answers answers);
     /// Makes the request and compares what must hold; the reply was taken or it was not.
     void check(const CommandForm &request, bool taken, const QByteArray &reply);
 
@@ -68,18 +68,18 @@ void tst_Replies::addRequests()
 
 void tst_Replies::check(const CommandForm &request, bool taken, const QByteArray &reply)
 {
-    const QByteArray fault = faultOf(request, make(request, *movra), taken);
+    const QByteArray fault = faultOf(request, callHandler(*movra, requestOf(request)), taken);
     QVERIFY2(fault.isEmpty(), QByteArray(fault + " after " + reply.left(2000)).constData());
     // Nobody waits for some replies: the next answer is not for this call.
     QCOMPARE(service->waitForCalls(1).size(), 1);
 }
 
-void tst_Replies::attack(Lie lie)
+void tst_Replies::attack(Answers answers)
 {
     QFETCH(int, index);
     const CommandForm &request = requests().at(static_cast<std::size_t>(index));
-    lieAbout(*service, request.member, request.signature, lie,
-             [&](bool taken, const QByteArray &answer) { check(request, taken, answer); });
+    answerAtRandom(*service, request.member, request.signature, answers,
+                   [&](bool taken, const QByteArray &answer) { check(request, taken, answer); });
 }
 
 void tst_Replies::cleanupTestCase()

@@ -4,11 +4,14 @@
 #include "app/messagefilter.h"
 #include "bus/proxies.h"
 #include "tests/hostile/randomreply.h"
+#include "tests/support/argumentvector.h"
 #include "tests/support/capture.h"
+#include "tests/support/commandforms.h"
 #include "tests/support/fakeservice.h"
 #include "tests/support/openmovra.h"
 #include "tests/support/patience.h"
 #include "tests/support/setting.h"
+#include "tests/support/signalforms.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -19,30 +22,13 @@
 namespace
 {
 
-struct HonestSignal {
-    const char *member;
-    const char *signature;
-    const char *line; ///< how a line about it begins
-};
-
-constexpr HonestSignal honestSignals[] = {
-    { "SigAlarm", "s", "===Client alarmSlot  msg=" },
-    { "SigDBusServerClosing", "s", "===Client sigDBusServerClosingSlot  msg=" },
-    { "SigError", "s", "===Client sigErrorSlot  msg=" },
-    { "SigInfo", "s", "===Client sigInfoSlot  msg=" },
-    { "SigTestComplete", "s", "===Client sigTestCompleteSlot  msg=" },
-    { "SigUpdate", "s", "===Client sigUpdateSlot  msg=" },
-    { "SigTestCompleteWithData", "sad", "sigTestCompleteWithDataSlot double msg=" },
-    { "SigTestCompleteWithData", "sau", "sigTestCompleteWithDataSlot uint32_t msg=" },
-};
-
 /// How the line about a signal begins; empty for one that is not printed: the types must fit to the
 /// last one, unlike those of replies.
 QByteArray lineBegin(const QByteArray &member, const QByteArray &signature)
 {
-    for (const HonestSignal &signal : honestSignals) {
-        if (member == signal.member && signature == signal.signature) {
-            return signal.line;
+    for (const SignalForm &form : signalForms) {
+        if (member == form.member && signature == form.signature) {
+            return QByteArray(form.line).split('%').first();
         }
     }
     return {};
@@ -73,8 +59,7 @@ void tst_Signals::initTestCase()
     service = std::make_unique<FakeService>();
     movra = std::make_unique<OpenMovra>();
     QVERIFY(movra->connectToService("com.varn.tul", "/"));
-    char *argv[] = { nullptr, nullptr };
-    (void)captureErrors([&] { QCOMPARE(movra->sigCommand(argv), 0); });
+    QCOMPARE(callHandler(*movra, requestOf(monitorForm())).status, 0);
     // Those that Qt D-Bus holds back until the event loop runs may be overtaken.
     (void)heard([] {});
 }
@@ -96,9 +81,9 @@ void tst_Signals::randomSignals_data()
 {
     QTest::addColumn<QByteArray>("member");
     QTest::addColumn<QByteArray>("usual");
-    for (const HonestSignal &signal : honestSignals) {
-        QTest::addRow("%s %s", signal.member, signal.signature)
-            << QByteArray(signal.member) << QByteArray(signal.signature);
+    for (const SignalForm &form : signalForms) {
+        QTest::addRow("%s %s", form.member, form.signature)
+            << QByteArray(form.member) << QByteArray(form.signature);
     }
     QTest::newRow("one that nobody listens to")
         << QByteArray("SigLogNotification") << QByteArray("as");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every command form, with what it sends and what it prints when its call succeeds and when it
-// fails.
+// Every command form: what is typed, what it sends, and what it prints when its call succeeds and
+// when it fails. The same table says what the commands refuse.
 #pragma once
 
 #include <QByteArray>
@@ -10,21 +10,23 @@
 
 class FakeService;
 
-/// A request as it is typed behind service and path, and what may come of it.
+/// A request as it is typed after service and path, and what may come of it.
 struct CommandForm {
+    /// The words as a pattern: any word fits `<word>`, any word that begins with "CONFIG" fits
+    /// `CONFIG*S`, and every other word must be typed exactly. Further words change nothing.
     const char *name;
-    QByteArrayList words;
-    const char *member; ///< that is called
-    QByteArray call; ///< what reaches the service
+    QByteArrayList words; ///< an example: the pattern without its signs
+    QByteArray call; ///< what reaches the service; empty for a refused request and for SIG
+    QByteArray member; ///< of the call
     QByteArray answer; ///< of the service, in GVariant text
-    const char *signature; ///< of the answer; one that does not begin with it is a failed call
+    QByteArray signature; ///< of the answer; one that does not begin with it is a failed call
     QByteArray out; ///< printed upon that answer; the status is 0
-    QByteArray failed; ///< printed upon a failed call
+    QByteArray failed; ///< printed upon a failed call, or for a refused request
     int failedStatus;
     bool waits; ///< for its reply; the others end the same whatever becomes of the call
 };
 
-/// All but SIG, which calls nothing.
+/// The forms that call the service, in the order of the command table.
 const std::vector<CommandForm> &commandForms();
 
 /// The first form of each command.
@@ -35,6 +37,12 @@ std::vector<CommandForm> firstFormsThatWait();
 
 /// SIG, which calls nothing and prints nothing by itself.
 const CommandForm &monitorForm();
+
+/// All command words, in the order of the command table.
+QByteArrayList commandWords();
+
+/// The form that any words after service and path fit; without a call for words that are refused.
+CommandForm formOf(const QByteArrayList &words);
 
 /// What is typed for a form, to the service "com.varn.tul" at "/".
 QByteArrayList requestOf(const CommandForm &form);

@@ -47,9 +47,21 @@ Prepare refuses(const char *member)
     };
 }
 
-QByteArray error(const char *status)
+QByteArray error(int status)
 {
-    return QByteArray("Error While Parsing Command -- use -h for help   err:") + status + '\n';
+    return "Error While Parsing Command -- use -h for help   err:" + QByteArray::number(status)
+        + '\n';
+}
+
+MovraRow asks(const QByteArray &name, const QByteArrayList &typed, const Prepare &prepare,
+              const QByteArray &out, const QByteArray &call)
+{
+    return { name, QByteArrayList { "@", "/" } + typed, prepare, out, { call }, 0 };
+}
+
+MovraRow sends(const QByteArray &name, const QByteArrayList &typed, const QByteArray &call)
+{
+    return asks(name, typed, {}, "", call);
 }
 
 MovraRows::Run::Run(const MovraRow &row, const QByteArray &serviceName)
@@ -94,4 +106,20 @@ void MovraRows::check(int index)
     QCOMPARE(run.program->err, QByteArray());
     QCOMPARE(run.service.waitForCalls(row.calls.size()), row.calls);
     QCOMPARE(run.program->status, row.status);
+}
+
+MovraRowsTest::MovraRowsTest(std::vector<MovraRow> rows)
+    : table(std::move(rows))
+{
+}
+
+void MovraRowsTest::run_data()
+{
+    table.addTestData();
+}
+
+void MovraRowsTest::run()
+{
+    QFETCH(int, row);
+    table.check(row);
 }

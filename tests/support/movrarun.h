@@ -9,6 +9,7 @@
 
 #include <QByteArray>
 #include <QByteArrayList>
+#include <QObject>
 
 #include <functional>
 #include <memory>
@@ -30,7 +31,7 @@ Prepare answers(const char *member, const QByteArray &body);
 Prepare refuses(const char *member);
 
 /// The program's own error line with a status.
-QByteArray error(const char *status);
+QByteArray error(int status);
 
 /// One run of the program.
 struct MovraRow {
@@ -41,6 +42,12 @@ struct MovraRow {
     QByteArrayList calls; ///< what reaches the service, in order
     int status;
 };
+
+/// A request to the row's own service at "/", and all that may come of it.
+MovraRow asks(const QByteArray &name, const QByteArrayList &typed, const Prepare &prepare,
+              const QByteArray &out, const QByteArray &call);
+/// The same with a service that accepts it, and nothing is printed.
+MovraRow sends(const QByteArray &name, const QByteArrayList &typed, const QByteArray &call);
 
 /// Starts the next rows together with the one that is asked for, so that their half seconds
 /// overlap.
@@ -63,4 +70,20 @@ private:
     std::vector<MovraRow> rows;
     std::vector<std::unique_ptr<Run>> runs; ///< one place per row; null before and after its run
     std::size_t started = 0; ///< the first row that has not been started
+};
+
+/// A test with rows, to derive from.
+class MovraRowsTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit MovraRowsTest(std::vector<MovraRow> rows);
+
+private Q_SLOTS:
+    void run_data();
+    void run();
+
+private:
+    MovraRows table;
 };

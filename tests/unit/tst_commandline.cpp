@@ -3,39 +3,9 @@
 #include "app/commandline.h"
 #include "app/usage.h"
 
-#include <QByteArray>
-#include <QByteArrayList>
+#include "tests/support/argumentvector.h"
+
 #include <QTest>
-
-#include <vector>
-
-namespace
-{
-
-/// A vector as the system lays it out: the words, null, an environment entry, null.
-class ArgumentVector
-{
-public:
-    explicit ArgumentVector(QByteArrayList arguments)
-        : words(std::move(arguments))
-    {
-        for (QByteArray &word : words) {
-            entries.push_back(word.data());
-        }
-        entries.push_back(nullptr);
-        entries.push_back(behind.data());
-        entries.push_back(behind.data());
-        entries.push_back(nullptr);
-    }
-    char **argv() { return entries.data(); }
-
-private:
-    QByteArrayList words;
-    QByteArray behind = "BEHIND=the end";
-    std::vector<char *> entries;
-};
-
-} // namespace
 
 class tst_CommandLine : public QObject
 {
@@ -63,7 +33,7 @@ void tst_CommandLine::wordAt_data()
     QTest::newRow("an empty word") << QByteArrayList { "movra", "" } << 1 << QByteArray();
     QTest::newRow("the end of the vector")
         << QByteArrayList { "movra", "com.varn.tul", "/" } << 3 << QByteArray();
-    QTest::newRow("what stands behind the end is not a word")
+    QTest::newRow("what follows the end is not a word")
         << QByteArrayList { "movra", "com.varn.tul" } << 3 << QByteArray();
     QTest::newRow("nothing at all") << QByteArrayList {} << 1 << QByteArray();
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/hostile/lies.h"
+#include "tests/hostile/randomanswers.h"
 
 #include "tests/hostile/randomreply.h"
 #include "tests/support/setting.h"
@@ -9,21 +9,22 @@
 namespace
 {
 
-int timesOf(Lie lie)
+int countOf(Answers answers)
 {
     const int runs = setting("MOVRA_HOSTILE_RUNS", 200);
-    return lie == Lie::Reply ? runs : lie == Lie::ReplyTwice ? runs / 10 : runs / 4;
+    return answers == Answers::Replies ? runs : runs / (answers == Answers::Errors ? 4 : 10);
 }
 
 } // namespace
 
-void lieAbout(FakeService &service, const char *member, const char *signature, Lie lie,
-              const std::function<void(bool taken, const QByteArray &answer)> &check)
+void answerAtRandom(FakeService &service, const QByteArray &member, const QByteArray &signature,
+                    Answers answers,
+                    const std::function<void(bool taken, const QByteArray &answer)> &check)
 {
     RandomReplies replies(static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1)));
-    for (int left = timesOf(lie); left > 0 && !QTest::currentTestFailed(); --left) {
-        if (lie == Lie::Error) {
-            // Honest errors carry one string.
+    for (int left = countOf(answers); left > 0 && !QTest::currentTestFailed(); --left) {
+        if (answers == Answers::Errors) {
+            // A proper error carries one string.
             const RandomReply reply = replies.next("s");
             const QByteArray name = replies.errorName();
             service.refuseWith(member, name, reply.text);
@@ -31,7 +32,7 @@ void lieAbout(FakeService &service, const char *member, const char *signature, L
             continue;
         }
         const RandomReply reply = replies.next(signature);
-        if (lie == Lie::Reply) {
+        if (answers == Answers::Replies) {
             service.answer(member, reply.text);
         } else {
             service.answerTwice(member, reply.text);

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// Argument vectors, and the handlers that take them, in this process.
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <memory>
+#include <vector>
+
+class Movra;
+
+/// A vector as the kernel lays it out: words, null, environment, null. The vector and its texts
+/// have exactly their size on the heap, so AddressSanitizer reports the first byte read beyond.
+class ArgumentVector
+{
+public:
+    explicit ArgumentVector(const QByteArrayList &words,
+                            const QByteArrayList &environment = { "AFTER=the end", "", "12" });
+
+    char **argv() { return entries.data(); }
+    char **environment() { return &entries[environmentBegin]; }
+    /// The words up to the first null entry, which Qt may have moved.
+    QByteArrayList words() const;
+
+private:
+    void append(const QByteArrayList &words);
+
+    std::vector<std::unique_ptr<char[]>> texts;
+    std::vector<char *> entries;
+    std::size_t environmentBegin;
+};
+
+/// What a request printed and how it ended.
+struct Outcome {
+    int status;
+    QByteArray out;
+    QByteArray err;
+};
+
+/// Looks the command word up and calls its handler, as the entry point does; adds the line that the
+/// entry point prints about a status.
+Outcome callHandler(Movra &movra, char **argv);
+
+/// The same with what is typed after the program's name.
+Outcome callHandler(Movra &movra, const QByteArrayList &arguments);
