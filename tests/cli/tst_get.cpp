@@ -177,8 +177,8 @@ std::vector<MovraRow> rows()
     return table;
 }
 
-struct tst_Read : MovraRowsTest {
-    tst_Read()
+struct tst_Get : MovraRowsTest {
+    tst_Get()
         : MovraRowsTest(rows())
     {
     }
@@ -186,4 +186,4 @@ struct tst_Read : MovraRowsTest {
 
 } // namespace
 
-QTEST_GUILESS_MAIN(tst_Read)
+QTEST_GUILESS_MAIN(tst_Get)

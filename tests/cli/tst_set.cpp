@@ -121,12 +121,12 @@ QByteArray listOf(const QByteArrayList &texts)
 
 } // namespace
 
-class tst_Write : public MovraRowsTest
+class tst_Set : public MovraRowsTest
 {
     Q_OBJECT
 
 public:
-    tst_Write()
+    tst_Set()
         : MovraRowsTest(rows())
     {
     }
@@ -139,7 +139,7 @@ private Q_SLOTS:
     void aMegabyteArrivesWhole();
 };
 
-void tst_Write::theGreatestLength()
+void tst_Set::theGreatestLength()
 {
     FakeService service;
     QByteArrayList values;
@@ -156,7 +156,7 @@ void tst_Write::theGreatestLength()
     QCOMPARE(service.waitForCalls(1), QByteArrayList { record(":x:stringARRAY:", listOf(values)) });
 }
 
-void tst_Write::oneMoreThanTheGreatestLength()
+void tst_Set::oneMoreThanTheGreatestLength()
 {
     FakeService service;
     Program program(MOVRA_PROGRAM,
@@ -169,7 +169,7 @@ void tst_Write::oneMoreThanTheGreatestLength()
     QCOMPARE(service.takeCalls(), QByteArrayList());
 }
 
-void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment_data()
+void tst_Set::aLengthBeyondTheValuesReadsTheEnvironment_data()
 {
     QTest::addColumn<QByteArrayList>("takenOut"); ///< by QCoreApplication, before the handler runs
     QTest::addColumn<QByteArray>("id");
@@ -196,7 +196,7 @@ void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment_data()
         "['wifi', 'bt', 'bt', '%BUS%', 'A=1', 'B=é']");
 }
 
-void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment()
+void tst_Set::aLengthBeyondTheValuesReadsTheEnvironment()
 {
     QFETCH(QByteArrayList, takenOut);
     QFETCH(QByteArray, id);
@@ -215,7 +215,7 @@ void tst_Write::aLengthBeyondTheValuesReadsTheEnvironment()
     QCOMPARE(service.waitForCalls(1), QByteArrayList { record(id, sent.replace("%BUS%", bus)) });
 }
 
-void tst_Write::aMegabyteArrivesWhole()
+void tst_Set::aMegabyteArrivesWhole()
 {
     FakeService service;
     QByteArrayList values;
@@ -233,5 +233,5 @@ void tst_Write::aMegabyteArrivesWhole()
     QVERIFY(service.waitForCalls(1) == sent);
 }
 
-QTEST_GUILESS_MAIN(tst_Write)
-#include "tst_write.moc"
+QTEST_GUILESS_MAIN(tst_Set)
+#include "tst_set.moc"
