@@ -14,7 +14,7 @@ namespace
 struct Interface {
     QStringList names;
     /// "signal Name(type name, ...)" and "method Name(type name, ...) -> type", where a type is its
-    /// signature, followed by its name in C++ if Qt's tools need to be told.
+    /// signature, followed by its name in C++ if Qt's tools need it.
     QStringList members;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Command handlers in this process: what they leave behind and what no command line can show.
+// Command handlers in this process: what they record and what no command line can show.
 #include "bus/proxies.h"
 #include "tests/support/argumentvector.h"
 #include "tests/support/commandforms.h"

@@ -84,7 +84,7 @@ void tst_Printer::typesThatAreNoArrays_data()
         [](const QDBusArgument &value) { value.endMap(); },
         "Error:  value QDBusArgument MapEntryType\n");
     row(
-        "behind the end", "(1, 2)",
+        "after the end", "(1, 2)",
         [](const QDBusArgument &value) {
             int number = 0;
             value.beginStructure();

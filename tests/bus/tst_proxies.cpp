@@ -335,7 +335,7 @@ void tst_Proxies::invocationsByIndexSendCalls()
               QList<IdValueStruct> { { QStringLiteral(":x:"), QStringLiteral("text") },
                                      { QStringLiteral(":y:"), 2.5 } }) },
     };
-    // The texts differ from row to row: they stand in the expected call.
+    // The texts differ from row to row: they are in the expected call.
     const QStringList texts = QString::fromUtf8(wire).split(QLatin1Char('\''));
     const QByteArray row = QTest::currentDataTag();
     const QMetaMethod method = KorAppInterface::staticMetaObject.method(

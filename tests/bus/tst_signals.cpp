@@ -129,7 +129,7 @@ void tst_Signals::unsignedNumbersReachTheirOverloadOnly()
     QSignalSpy doubles(proxy.get(), doublesSignal);
     QSignalSpy unsignedNumbers(proxy.get(), unsignedSignal);
     QTRY_VERIFY_WITH_TIMEOUT(isListeningFor("SigTestCompleteWithData", *service), patienceMs);
-    service->emitSignal("SigTestCompleteWithData", "('no', [1, 2])"); // signed: nobody's
+    service->emitSignal("SigTestCompleteWithData", "('no', [1, 2])"); // signed: ignored
     service->emitSignal("SigTestCompleteWithData", "('done', [uint32 4294967295])");
     QTRY_COMPARE_WITH_TIMEOUT(unsignedNumbers.count(), 1, patienceMs);
     QCOMPARE(doubles.count(), 0);

@@ -73,7 +73,7 @@ const Value values[] = {
     { "int64", ":a:int64ARRAY:", "[int64 -9223372036854775808, 9223372036854775807]",
       "-9223372036854775808\n9223372036854775807\n" },
     { "no int64", ":a:int64ARRAY:", "@ax []", "" },
-    { "a kind word may stand anywhere", "uint32ARRAY", "[uint32 7]", "7\n" },
+    { "a kind word may be anywhere in the id", "uint32ARRAY", "[uint32 7]", "7\n" },
     { "texts print themselves whatever the kind", ":a:doubleARRAY:", "['1', 'b']", "1\nb\n" },
     { "a plain value prints itself whatever the kind", ":a:doubleARRAY:", "5", "5\n" },
     { "a stringARRAY of doubles is read as doubles", ":a:stringARRAY:", "[0.5]", "0.5\n" },

@@ -41,12 +41,12 @@ private Q_SLOTS:
     void aReaderThatLeftEndsIt();
     void noSignalIsCaught();
     void linesAreOutOnAFileToo();
-    void anEmptyPathHearsEveryPath();
-    void aMonitorOfNobodyStays_data();
-    void aMonitorOfNobodyStays();
+    void anEmptyPathReceivesEveryPath();
+    void aMonitorWithoutAServiceStays_data();
+    void aMonitorWithoutAServiceStays();
 
 private:
-    /// Starts the monitor and waits until it prints what it hears.
+    /// Starts the monitor and waits until it prints signals.
     void start(const QByteArrayList &furtherWords = {});
     /// Emits a last signal, ends the monitor after it and returns what it printed before.
     QByteArray linesUpToNow();
@@ -270,7 +270,7 @@ void tst_Monitor::linesAreOutOnAFileToo()
     QCOMPARE(file.readAll(), QByteArray());
 }
 
-void tst_Monitor::anEmptyPathHearsEveryPath()
+void tst_Monitor::anEmptyPathReceivesEveryPath()
 {
     monitor = std::make_unique<Program>(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "", "SIG" },
                                         busEnvironment());
@@ -283,7 +283,7 @@ void tst_Monitor::anEmptyPathHearsEveryPath()
              QByteArray("===Client alarmSlot  msg=one\n===Client alarmSlot  msg=other\n"));
 }
 
-void tst_Monitor::aMonitorOfNobodyStays_data()
+void tst_Monitor::aMonitorWithoutAServiceStays_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QByteArray>("path");
@@ -291,7 +291,7 @@ void tst_Monitor::aMonitorOfNobodyStays_data()
     QTest::newRow("an empty path") << QByteArray("com.varn.tul") << QByteArray();
 }
 
-void tst_Monitor::aMonitorOfNobodyStays()
+void tst_Monitor::aMonitorWithoutAServiceStays()
 {
     QFETCH(QByteArray, name);
     QFETCH(QByteArray, path);

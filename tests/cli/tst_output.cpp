@@ -113,7 +113,7 @@ void tst_Output::theMonitorGoesOn()
     for (int i = 0; i < 100; ++i) {
         service.emitSignal("SigInfo", "('a line that is longer than a number of eight bytes',)");
     }
-    // A run that begins now ends behind all of them.
+    // A run that begins now ends after all of them.
     Program last(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" }, busEnvironment());
     QVERIFY(last.waitForEnd());
     QVERIFY(monitor.runs());

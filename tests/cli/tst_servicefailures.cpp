@@ -21,7 +21,7 @@ struct State {
     QByteArray service; ///< "@" stands for the run's own
     QByteArray path;
     Outcome outcome;
-    QByteArray text; ///< behind `error:`, or behind `err=`
+    QByteArray text; ///< after `error:`, or after `err=`
     std::function<void(FakeService &, const CommandForm &)> prepare {}; ///< lets the service answer
 };
 

@@ -33,13 +33,13 @@ std::vector<MovraRow> rows()
         sends("SET sends a text", { "SET", ":config:data:ftp:userName:", "pordo_user" },
               record(":config:data:ftp:userName:", "'pordo_user'")),
         sends("SET sends a number as a text", { "SET", ":a:", "42" }, record(":a:", "'42'")),
-        sends("SET has no eye for kind words", { "SET", ":a:doubleARRAY:", "1.5" },
+        sends("SET ignores kind words", { "SET", ":a:doubleARRAY:", "1.5" },
               record(":a:doubleARRAY:", "'1.5'")),
         sends("SET ignores further words", { "SET", ":a:", "1", "2" }, record(":a:", "'1'")),
         sends("SET with an empty value", { "SET", ":a:", "" }, record(":a:", "''")),
         sends("SET with an empty id", { "SET", "", "x" }, record("", "'x'")),
         sends("SET trims nothing", { "SET", " :a: ", "  x\t" }, record(" :a: ", "'  x\\t'")),
-        asks("SET is not told of a refusal", { "SET", ":a:", "x" }, refuses("SetValue"), "",
+        asks("SET does not wait for the reply", { "SET", ":a:", "x" }, refuses("SetValue"), "",
              record(":a:", "'x'")),
         sends("SET: the id is read as UTF-8, the value is Latin-1",
               { "SET", ":\xc3\xa9:", "\xc3\xa9" }, record(":é:", "'Ã©'")),
@@ -87,7 +87,7 @@ std::vector<MovraRow> rows()
                  { ":x:stringARRAY:int64ARRAY:uint32ARRAY:", "1", "5" }, "[uint32 5]"),
         arrayRow("an id with uint64ARRAY and int32ARRAY is signed 32-bit",
                  { ":a:uint64ARRAY:int32ARRAY:", "1", "-1" }, "[-1]"),
-        arrayRow("a kind word may stand anywhere", { "doubleARRAY", "1", "2" }, "[2.0]"),
+        arrayRow("a kind word may be anywhere in the id", { "doubleARRAY", "1", "2" }, "[2.0]"),
         sends("SETARRAY: the id is read as UTF-8, the texts are Latin-1",
               { "SETARRAY", ":\xc3\xa9:stringARRAY", "2", "\xc3\xa9", "\xe9" },
               record(":é:stringARRAY", "['Ã©', 'é']")),
@@ -180,7 +180,7 @@ void tst_Set::aLengthBeyondTheValuesReadsTheEnvironment_data()
                         const QByteArrayList &lengthAndValues, const char *sent) {
         QTest::newRow(name) << takenOut << QByteArray(id) << lengthAndValues << QByteArray(sent);
     };
-    row("one more than given meets the null at the end of the vector", {},
+    row("one more than given reads the null at the end of the vector", {},
         ":x:stringARRAY:", { "2", "wifi" }, "['wifi']");
     row("the null is a position of its own", {}, ":x:stringARRAY:", { "3", "wifi" },
         "['wifi', '%BUS%']");

@@ -85,7 +85,7 @@ void tst_Usage::usageText_data()
     QTest::newRow("two arguments") << request.mid(0, 2) << none;
     for (const char *help : { "-h", "-help", "-hx", "--h", "--help" }) {
         QTest::addRow("%s", help) << QByteArrayList { help } << none;
-        QTest::addRow("%s with a whole request behind", help)
+        QTest::addRow("%s with a whole request after it", help)
             << QByteArrayList { help, "/", "GET", "x" } << none;
     }
     QTest::newRow("a bus that is not there changes nothing")

@@ -79,7 +79,7 @@ QByteArray problemWithPositions(char **argv, const QByteArrayList &words)
     return problem;
 }
 
-/// Makes what SETARRAY sends out of the values, and what goes on the wire out of that.
+/// Converts the values as SETARRAY does, and marshals the array.
 QByteArray problemWithArray(const QByteArray &id, const QByteArrayList &values)
 {
     QStringList texts;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a run must come to while no bus can be reached, told from the words and the table of command
+// How a run must end while no bus can be reached, according to the words and the table of command
 // forms, without the program's own code.
 #pragma once
 
@@ -21,7 +21,7 @@ struct Errors {
     QByteArray last;
 };
 
-/// What a run comes to.
+/// How a run ends.
 struct ExpectedOutcome {
     int status;
     QByteArray printed; ///< on standard output
@@ -31,6 +31,6 @@ struct ExpectedOutcome {
 /// The outcome of a run that gets past the usage text and goes on after its connection has failed.
 ExpectedOutcome expectedOutcome(const QByteArrayList &words, const Errors &errors);
 
-/// What becomes of one value of SETARRAY, as text; nothing where this cannot be told in a line or
+/// What SETARRAY sends for one value, as text; nothing where the rule takes more than a line or
 /// two, as for numbers with a fraction. The identifier holds a kind word.
 std::optional<QByteArray> expectedElement(const QByteArray &id, const QByteArray &typed);

@@ -8,7 +8,7 @@
 namespace
 {
 
-constexpr int deepest = 6; // levels, but for deep values
+constexpr int deepest = 6; // levels, except in deep values
 
 // D-Bus allows arrays in arrays and structures in structures up to these levels, and 64 levels in
 // all; a few are left for what is around.
@@ -37,11 +37,11 @@ QByteArray extreme(char code)
     }
 }
 
-/// The position behind the type that begins at `from`.
-int behind(const QByteArray &signature, int from)
+/// The position after the type that begins at `from`.
+int positionAfter(const QByteArray &signature, int from)
 {
     if (signature.at(from) == 'a') {
-        return behind(signature, from + 1);
+        return positionAfter(signature, from + 1);
     }
     int open = 0;
     do {
@@ -165,7 +165,7 @@ QByteArray RandomReplies::value(const QByteArray &signature, int &from, int dept
             from = element;
             elements.append(value(signature, from, depth + 1));
         }
-        from = behind(signature, element);
+        from = positionAfter(signature, element);
         const QByteArray all = elements.join(", ");
         return isMap ? "{" + all + "}" : "[" + all + "]";
     }

@@ -29,7 +29,7 @@ private:
     QByteArray basicType();
     /// One complete type.
     QByteArray type(int depth);
-    /// A value of the type that begins at `from` in `signature`; moves `from` behind the type.
+    /// A value of the type that begins at `from` in `signature`; moves `from` past the type.
     QByteArray value(const QByteArray &signature, int &from, int depth);
     QByteArray text();
 

@@ -25,7 +25,7 @@ template <typename Value> bool read(QDBusPendingReply<Value> reply)
     reply.waitForFinished();
     if (reply.isValid()) {
         // Reading is the attack: it runs the operators on whatever came. Qt D-Bus does not check
-        // the types of errors, so nobody reads a value out of one.
+        // the types of errors, so the value of one must not be read.
         (void)reply.value();
     }
     return reply.isValid();

@@ -70,7 +70,7 @@ void tst_Replies::check(const CommandForm &request, bool taken, const QByteArray
 {
     const QByteArray fault = faultOf(request, callHandler(*movra, requestOf(request)), taken);
     QVERIFY2(fault.isEmpty(), QByteArray(fault + " after " + reply.left(2000)).constData());
-    // Nobody waits for some replies: the next answer is not for this call.
+    // Some forms do not wait for the reply: the next answer must not go to this call.
     QCOMPARE(service->waitForCalls(1).size(), 1);
 }
 

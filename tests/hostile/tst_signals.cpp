@@ -85,7 +85,7 @@ void tst_Signals::randomSignals_data()
         QTest::addRow("%s %s", form.member, form.signature)
             << QByteArray(form.member) << QByteArray(form.signature);
     }
-    QTest::newRow("one that nobody listens to")
+    QTest::newRow("one that the monitor does not know")
         << QByteArray("SigLogNotification") << QByteArray("as");
 }
 

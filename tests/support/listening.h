@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// When a monitor hears what a service emits.
+// When a monitor receives what a service emits.
 #pragma once
 
 #include "tests/support/fakeservice.h"

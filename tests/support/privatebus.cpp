@@ -11,7 +11,7 @@ PrivateBus::PrivateBus(const QByteArray &furtherRules)
     if (!base.open(QIODevice::ReadOnly) || !configuration.open()) {
         throw std::runtime_error("no configuration for a bus");
     }
-    // A daemon that is killed leaves its socket behind.
+    // A daemon that is killed does not remove its socket.
     const QByteArray folder = QFile::encodeName(directory.path());
     const QByteArray end = "</busconfig>";
     configuration.write(
