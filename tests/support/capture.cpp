@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/capture.h"
 
-#include <QTemporaryFile>
+#include <QFile>
 
 #include <cstdio>
 #include <stdexcept>
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace
@@ -14,10 +15,12 @@ namespace
 /// What is written to a descriptor while the action runs.
 QByteArray capture(int descriptor, std::FILE *stream, const std::function<void()> &action)
 {
-    QTemporaryFile file;
+    QFile file;
     std::fflush(stream);
     const int before = dup(descriptor);
-    if (!file.open() || before < 0 || dup2(file.handle(), descriptor) < 0) {
+    const int memory = memfd_create("captured", MFD_CLOEXEC);
+    if (before < 0 || dup2(memory, descriptor) < 0
+        || !file.open(memory, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         throw std::runtime_error("the output cannot be captured");
     }
     action();
