@@ -65,9 +65,6 @@ HOSTILE = "movra com.varn.hostile /com/varn/pim "
 CANDIDATES = [
     ("services", "movra ", ["com.varn.hostile", "com.varn.silent", "com.varn.tul",
                              "com.varn.vast"]),
-    ("commands", TUL,
-     ["DBG", "SIG", "NOTIFY", "SET", "SETARRAY", "GET", "LIST", "FILE", "ACTION", "SERVERSTAT",
-      "SERVERCMD"]),
     ("commands that begin alike", TUL + "SE", ["SET", "SETARRAY", "SERVERSTAT", "SERVERCMD"]),
     ("GET", TUL + "GET ",
      ["STATUS", "VALUE", "VAL_STAT", "VAL_STAT_SEVER"] + CONFIGS + RESULTS),
