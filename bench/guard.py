@@ -4,11 +4,12 @@
 
     guard.py MOVRA FOLDER_OF_BENCH_PROGRAMS
 
-Those are of a release build with g++ for amd64. Runs on a private bus, as the test bench.guard. Instructions, unlike times, are the same on a busy
+Runs on a private bus, as the test bench.guard. Instructions, unlike times, are the same on a busy
 machine. What the loader does, which is most of a run, is not counted.
 """
 import os
 import pathlib
+import platform
 import shutil
 import sys
 
@@ -47,15 +48,22 @@ def of_a_request(movra, programs):
 
 
 def written_figures():
+    """The figure and the margin of each count, or nothing for a system that has no figures."""
+    system = platform.freedesktop_os_release()
     text = pathlib.Path(__file__).with_name("guard.figures").read_text(encoding="ascii")
-    rows = [line.split() for line in text.splitlines() if not line.startswith("#")]
-    return {name: (float(figure), float(margin)) for name, figure, margin in rows}
+    head, *rows = [line.split() for line in text.splitlines() if not line.startswith("#")]
+    column = f"{system['ID']}-{system.get('VERSION_ID', '')}"
+    if column not in head:
+        return {}
+    return {row[0]: (float(row[head.index(column)]), float(row[head.index("margin")]))
+            for row in rows}
 
 
 def main():
     movra, programs = sys.argv[1:]
-    if not shutil.which("valgrind"):
-        print("Skipped: valgrind is not installed.")
+    written = written_figures()
+    if not written or not shutil.which("valgrind"):
+        print("Skipped: valgrind is not installed, or guard.figures has no figures for this system.")
         return SKIPPED
     os.environ["LD_BIND_NOW"] = "1"  # the loader has done all that it does when main() begins
     service = start_service(programs)
@@ -66,7 +74,7 @@ def main():
         service.terminate()
         service.wait()
     grown = 0
-    for name, (figure, margin) in written_figures().items():
+    for name, (figure, margin) in written.items():
         more = (counted[name] / figure - 1) * 100
         print(f"{name}: {counted[name]:.0f} instructions, {figure:.0f} written down,"
               f" {more:+.1f} in 100, at most {margin:+.0f}")
