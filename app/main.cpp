@@ -3,7 +3,6 @@
 // status.
 #include "app/commandline.h"
 #include "app/commands.h"
-#include "app/messagefilter.h"
 #include "app/movra.h"
 #include "app/standardstreams.h"
 #include "app/usage.h"
@@ -26,7 +25,6 @@ int main(int argc, char **argv)
         return NotRun;
     }
 
-    installMessageFilter();
     QCoreApplication application(argc, argv);
     Movra client(&application);
     if (!client.connectToService(wordAt(argv, ServicePosition), wordAt(argv, PathPosition))) {

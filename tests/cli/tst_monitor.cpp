@@ -29,7 +29,7 @@ class tst_Monitor : public QObject
 private Q_SLOTS:
     void init();
     void signalLines();
-    void otherTypesAreIgnoredInSilence();
+    void otherTypesAreIgnored();
     void signalsOfOthersAreNotPrinted();
     void logNotificationsAreNeverPrinted();
     void nothingIsAskedOfTheService();
@@ -122,7 +122,7 @@ void tst_Monitor::signalLines()
     QCOMPARE(linesUpToNow(), expected);
 }
 
-void tst_Monitor::otherTypesAreIgnoredInSilence()
+void tst_Monitor::otherTypesAreIgnored()
 {
     start();
     for (const SignalForm &form : signalForms) {
@@ -134,7 +134,9 @@ void tst_Monitor::otherTypesAreIgnoredInSilence()
     }
     service->emitSignal("SigTestCompleteWithData", "('a',)");
     QCOMPARE(linesUpToNow(), QByteArray());
-    QCOMPARE(monitor->err.count('\n'), 1);
+    // Qt D-Bus warns of each signature value without types.
+    QCOMPARE(monitor->err.count("QDBusSignature: invalid signature \"\"\n"), 16);
+    QCOMPARE(monitor->err.count('\n'), 17);
 }
 
 void tst_Monitor::signalsOfOthersAreNotPrinted()

@@ -54,7 +54,7 @@ const std::vector<State> &states()
         { "no such interface", "@", "/", Is::Failed, "", refuses("UnknownInterface") },
         { "no such method", "@", "/", Is::Failed, "", refuses("UnknownMethod") },
         { "an empty reply", "@", "/", Is::OtherType, "", replies("()") },
-        { "a reply of another type", "@", "/", Is::OtherType, "", replies("(signature '',)") },
+        { "a reply of another type", "@", "/", Is::OtherType, "", replies("(objectpath '/a',)") },
         { "a reply with more after what is expected", "@", "/", Is::Answered, "",
           [](FakeService &service, const CommandForm &form) {
               const bool isEmpty = form.answer == "()";

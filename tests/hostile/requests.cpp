@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/hostile/requests.h"
 
+#include "tests/hostile/qtwarnings.h"
+
 namespace
 {
 
@@ -31,8 +33,9 @@ QByteArray faultOf(const CommandForm &request, const Outcome &outcome, bool take
     if (outcome.status != (taken ? 0 : request.failedStatus)) {
         return "status " + QByteArray::number(outcome.status);
     }
-    if (!outcome.err.isEmpty()) {
-        return "on standard error: " + outcome.err.left(2000);
+    const QByteArray complaints = withoutAllowedWarnings(outcome.err);
+    if (!complaints.isEmpty()) {
+        return "on standard error: " + complaints.left(2000);
     }
     // Of some answers nothing is shown, whatever they are.
     const bool shown = !request.out.isEmpty();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every request against random answers. Handlers are called in this process, so that there is no
 // half second.
-#include "app/messagefilter.h"
+#include "tests/hostile/qtwarnings.h"
 #include "tests/hostile/randomanswers.h"
 #include "tests/hostile/requests.h"
 #include "tests/support/patience.h"
@@ -49,7 +49,7 @@ int countOpenFiles()
 
 void tst_Replies::initTestCase()
 {
-    installMessageFilter();
+    showQtWarnings();
     service = std::make_unique<FakeService>();
     movra = std::make_unique<OpenMovra>();
     QVERIFY(movra->connectToService("com.varn.tul", "/"));

@@ -103,7 +103,7 @@ void MovraRows::check(int index)
     Run &run = *taken;
     QVERIFY2(run.program->waitForEnd(), "the program did not end");
     QCOMPARE(run.program->out, row.out);
-    QCOMPARE(run.program->err, QByteArray());
+    QCOMPARE(run.program->err, row.err);
     QCOMPARE(run.service.waitForCalls(row.calls.size()), row.calls);
     QCOMPARE(run.program->status, row.status);
 }

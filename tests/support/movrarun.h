@@ -41,6 +41,7 @@ struct MovraRow {
     QByteArray out; ///< the whole of standard output
     QByteArrayList calls; ///< what reaches the service, in order
     int status;
+    QByteArray err = {}; ///< the whole of standard error
 };
 
 /// A request to the row's own service at "/", and all that may come of it.
