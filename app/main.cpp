@@ -10,15 +10,13 @@
 #include <QCoreApplication>
 #include <QTimer>
 
-#include <cstdio>
 #include <iostream>
 #include <string>
 
 int main(int argc, char **argv)
 {
     replaceClosedStreams();
-    // A reader on a pipe has each line when it is printed, and a killed process loses none.
-    (void)std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    prepareOutput();
 
     if (asksForUsage(argv)) {
         printUsage();

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Standard output that takes nothing: a write that fails is not reported and changes no status, and
-// a pipe whose reader left ends the program with SIGPIPE.
+// a pipe whose reader left ends the program with SIGPIPE. One that does not block takes all.
 #include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
 
+#include <QFile>
 #include <QTest>
 
 #include <csignal>
+#include <utility>
+
+#include <fcntl.h>
 
 Q_DECLARE_METATYPE(Program::Output)
 
@@ -20,6 +24,8 @@ private Q_SLOTS:
     void theMonitorGoesOn_data();
     void theMonitorGoesOn();
     void aMonitorWithoutAnyStreamHears();
+    void nonBlockingOutputTakesAll_data();
+    void nonBlockingOutputTakesAll();
 };
 
 namespace
@@ -139,6 +145,50 @@ void tst_Output::aMonitorWithoutAnyStreamHears()
     monitor.send(SIGTERM);
     QVERIFY(monitor.waitForEnd());
     QCOMPARE(monitor.status, 256 + SIGTERM);
+}
+
+void tst_Output::nonBlockingOutputTakesAll_data()
+{
+    QTest::addColumn<QByteArrayList>("words");
+    QTest::addColumn<Program::Output>("output");
+    for (const QByteArrayList &words :
+         { QByteArrayList { "GET", "x" }, { "LIST", "CONFIGS" }, { "DBG", "GET_IDS" } }) {
+        QTest::addRow("%s to a pipe", words.first().constData())
+            << words << Program::Output::NonBlockingPipe;
+        QTest::addRow("%s to a socket", words.first().constData())
+            << words << Program::Output::NonBlockingSocket;
+    }
+}
+
+void tst_Output::nonBlockingOutputTakesAll()
+{
+    QFETCH(QByteArrayList, words);
+    QFETCH(Program::Output, output);
+    // More than a pipe or a socket holds.
+    const QByteArray text(1000000, 'x');
+    const int count = 10003;
+    const QByteArray id(40, 'i');
+    const QByteArray ids =
+        "(['" + id + '\'' + QByteArray(", '" + id + '\'').repeated(count - 1) + "],)";
+    FakeService service;
+    service.answer("GetValue", "(<'" + text + "'>,)");
+    service.answer("ListConfigIds", ids);
+    service.answer("DbgLogGetIds", ids);
+    Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + words, busEnvironment(),
+                    output);
+    // Until the stream is full; the flags are its other users' as well, and stay.
+    int unread = -1;
+    QTRY_VERIFY(program.unread() > 0 && std::exchange(unread, program.unread()) == unread);
+    QFile descriptor(QStringLiteral("/proc/%1/fdinfo/1").arg(program.processId()));
+    QVERIFY(descriptor.open(QIODevice::ReadOnly));
+    const QByteArray flags = descriptor.readAll().split('\n').at(1).mid(6).trimmed();
+    QVERIFY((flags.toInt(nullptr, 8) & O_NONBLOCK) != 0);
+    QVERIFY(program.waitForEnd());
+    const QByteArray expected =
+        words.first() == "GET" ? text + '\n' : QByteArray(id + '\n').repeated(count);
+    QVERIFY2(program.out == expected, QByteArray::number(program.out.size()).constData());
+    QCOMPARE(program.err, QByteArray());
+    QCOMPARE(program.status, 0);
 }
 
 QTEST_GUILESS_MAIN(tst_Output)

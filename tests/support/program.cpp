@@ -14,6 +14,8 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -58,6 +60,16 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
     std::array<int, 2> errEnds {};
     if (pipe2(outEnds.data(), O_CLOEXEC) != 0 || pipe2(errEnds.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error(std::string("pipe: ") + strerror(errno));
+    }
+    if (output == Output::NonBlockingSocket) {
+        close(outEnds[0]);
+        close(outEnds[1]);
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, outEnds.data()) != 0) {
+            throw std::runtime_error(std::string("socketpair: ") + strerror(errno));
+        }
+    }
+    if (output == Output::NonBlockingPipe || output == Output::NonBlockingSocket) {
+        fcntl(outEnds[1], F_SETFL, O_WRONLY | O_NONBLOCK);
     }
     outPipe = outEnds[0];
     errPipe = errEnds[0];
@@ -141,6 +153,13 @@ bool Program::runs() const
     siginfo_t end {};
     return waitid(P_PID, static_cast<id_t>(pid), &end, WEXITED | WNOHANG | WNOWAIT) == 0
         && end.si_pid == 0;
+}
+
+int Program::unread() const
+{
+    int bytes = 0;
+    ioctl(outPipe, FIONREAD, &bytes);
+    return bytes;
 }
 
 void Program::leaveOutput()

@@ -17,9 +17,9 @@
 class Program
 {
 public:
-    /// What standard output is: read by the test; a pipe that nobody reads; a device that is full;
-    /// nothing at all.
-    enum class Output { Read, LeftPipe, Full, Closed };
+    /// What standard output is: a pipe that the test reads; one that nobody reads; a non-blocking
+    /// pipe or socket that the test reads; a device that is full; nothing at all.
+    enum class Output { Read, LeftPipe, NonBlockingPipe, NonBlockingSocket, Full, Closed };
 
     /// Starts the program, found on the PATH unless it is named with a slash. `arguments` begins
     /// with argument 1; `environment` holds NAME=value entries and is the whole environment.
@@ -39,6 +39,8 @@ public:
     pid_t processId() const { return pid; }
     /// Sends the program a signal.
     void send(int signal);
+    /// How many bytes of standard output wait to be read.
+    int unread() const;
     /// Leaves standard output unread from now on, as a reader that went away.
     void leaveOutput();
     /// Reads until the program has ended; false, and the program is killed, if it takes longer.
