@@ -7,24 +7,32 @@
 #include <array>
 #include <string>
 
+/// What is left to do when a handler has returned Success.
+enum class Ending {
+    Answered, ///< nothing
+    Sent, ///< the bus must take what was sent, for which nobody waits
+    Listening, ///< print signals until the bus ends
+};
+
 struct Command {
     const char *word; ///< compared exactly, as a whole
     int (Movra::*handler)(char **argv); ///< takes the whole argument vector, returns the status
+    Ending ending;
 };
 
 /// Searched from the top; a word that is not here is an unknown word.
 constexpr std::array<Command, 11> commandTable { {
-    { "DBG", &Movra::dbgCommand },
-    { "SIG", &Movra::sigCommand },
-    { "NOTIFY", &Movra::notifyCommand },
-    { "SET", &Movra::setCommand },
-    { "SETARRAY", &Movra::setArrayCommand },
-    { "GET", &Movra::getCommand },
-    { "LIST", &Movra::listCommand },
-    { "FILE", &Movra::fileCommand },
-    { "ACTION", &Movra::actionCommand },
-    { "SERVERSTAT", &Movra::serverStatCommand },
-    { "SERVERCMD", &Movra::serverCmdCommand },
+    { "DBG", &Movra::dbgCommand, Ending::Answered },
+    { "SIG", &Movra::sigCommand, Ending::Listening },
+    { "NOTIFY", &Movra::notifyCommand, Ending::Sent },
+    { "SET", &Movra::setCommand, Ending::Sent },
+    { "SETARRAY", &Movra::setArrayCommand, Ending::Sent },
+    { "GET", &Movra::getCommand, Ending::Answered },
+    { "LIST", &Movra::listCommand, Ending::Answered },
+    { "FILE", &Movra::fileCommand, Ending::Answered },
+    { "ACTION", &Movra::actionCommand, Ending::Answered },
+    { "SERVERSTAT", &Movra::serverStatCommand, Ending::Answered },
+    { "SERVERCMD", &Movra::serverCmdCommand, Ending::Answered },
 } };
 
 /// The table's row for a word, or null for an unknown word.

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // DBG: forwards debug-log commands to the service and asks for its debug-log ids.
+#include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "bus/proxies.h"
-
-#include <QDBusReply>
 
 #include <cstdio>
 
@@ -30,8 +29,8 @@ int Movra::dbgCommand(char **argv)
 
 void Movra::generateDbgLogCmd(std::string cmd, std::string value)
 {
-    const QDBusReply<void> reply =
-        iface->DbgLogCmd(QString::fromLatin1(cmd.c_str()), QString::fromLatin1(value.c_str()));
+    const QDBusReply<void> reply = answerTo(
+        iface->DbgLogCmd(QString::fromLatin1(cmd.c_str()), QString::fromLatin1(value.c_str())));
     if (!reply.isValid()) {
         std::printf("DBG %s   ERROR     err=%s\n", cmd.c_str(), recordLastError().constData());
     }
@@ -39,7 +38,7 @@ void Movra::generateDbgLogCmd(std::string cmd, std::string value)
 
 void Movra::callDbgLogGetIds()
 {
-    const QDBusReply<QStringList> reply = iface->DbgLogGetIds();
+    const QDBusReply<QStringList> reply = answerTo(iface->DbgLogGetIds());
     if (!reply.isValid()) {
         // The blanks differ from the other error line, and both are relied upon.
         std::printf("DBG GET_IDS  ERROR  err=%s\n", recordLastError().constData());

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // FILE: asks the service to save its configuration to a file on its side, or to load it.
+#include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "bus/proxies.h"
-
-#include <QDBusReply>
 
 #include <string>
 
@@ -19,9 +18,9 @@ int Movra::fileCommand(char **argv)
     if (!saves && word != "LOAD") {
         return NotSupported;
     }
-    // Making a QDBusReply of the pending reply is the wait. What it says, true or false, is not
-    // asked.
-    const QDBusReply<bool> reply = saves ? iface->SaveConfig(name) : iface->LoadConfig(name);
+    // Whether the service answers true or false is not asked.
+    const QDBusReply<bool> reply =
+        answerTo(saves ? iface->SaveConfig(name) : iface->LoadConfig(name));
     if (!reply.isValid()) {
         reportFailedReply();
     }

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 // GET: reads an item's value, its status, or both, and prints what came back.
+#include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "app/textline.h"
 #include "bus/proxies.h"
-
-#include <QDBusReply>
 
 #include <cstdio>
 
@@ -34,11 +33,9 @@ int Movra::getCommand(char **argv)
     return Success;
 }
 
-// In all three, making a QDBusReply of the pending reply is the wait.
-
 void Movra::getValue(const QString &id)
 {
-    const QDBusReply<QDBusVariant> reply = iface->GetValue(id);
+    const QDBusReply<QDBusVariant> reply = answerTo(iface->GetValue(id));
     if (reply.isValid()) {
         printValue(id, reply.value().variant());
     } else {
@@ -48,7 +45,7 @@ void Movra::getValue(const QString &id)
 
 void Movra::getStatus(const QString &id)
 {
-    const QDBusReply<int> reply = iface->GetStatus(id);
+    const QDBusReply<int> reply = answerTo(iface->GetStatus(id));
     if (reply.isValid()) {
         std::printf("%d\n", reply.value());
     } else {
@@ -58,7 +55,7 @@ void Movra::getStatus(const QString &id)
 
 void Movra::getValueStatus(const QString &id)
 {
-    const QDBusReply<IdValueStatusStruct> reply = iface->GetValueStatus(id);
+    const QDBusReply<IdValueStatusStruct> reply = answerTo(iface->GetValueStatus(id));
     if (reply.isValid()) {
         // The id in the record is the service's affair: the one that was typed decides.
         const IdValueStatusStruct record = reply.value();

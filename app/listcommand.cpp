@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 // LIST: prints one of the service's catalogues, an entry a line.
+#include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "app/textline.h"
 #include "bus/proxies.h"
-
-#include <QDBusReply>
 
 namespace
 {
@@ -44,16 +43,16 @@ int Movra::listCommand(char **argv)
     // Prefixes, in this order: "CONFIGS" is served as well as "CONFIG".
     const QString word = QString::fromLatin1(argv[FirstArgument]);
     if (word.startsWith(QLatin1String("CONFIG"))) {
-        return printCatalogue(iface->ListConfigIds());
+        return printCatalogue(answerTo(iface->ListConfigIds()));
     }
     if (word.startsWith(QLatin1String("RESULT"))) {
-        return printCatalogue(iface->ListResultIds());
+        return printCatalogue(answerTo(iface->ListResultIds()));
     }
     if (word.startsWith(QLatin1String("ACTION"))) {
-        return printCatalogue(iface->ListActionIds());
+        return printCatalogue(answerTo(iface->ListActionIds()));
     }
     if (word.startsWith(QLatin1String("LOG"))) {
-        return printLogIds(iface->LogGetIds());
+        return printLogIds(answerTo(iface->LogGetIds()));
     }
     // Not the status that other commands have for an unknown word.
     return ArgumentMissing;

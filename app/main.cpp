@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
-// One run: check the arguments, connect, run one command, linger in the event loop, end with its
-// status.
+// One run: check the arguments, connect, run one command, stay in the event loop as the command
+// table says, and end with the command's status.
 #include "app/commandline.h"
 #include "app/commands.h"
 #include "app/movra.h"
 #include "app/standardstreams.h"
 #include "app/usage.h"
+#include "bus/connection.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 #include <iostream>
 #include <string>
+
+#include <unistd.h>
 
 int main(int argc, char **argv)
 {
@@ -25,22 +28,42 @@ int main(int argc, char **argv)
 
     QCoreApplication application(argc, argv);
     Movra client(&application);
+    QDBusConnection bus = openSessionBus(
+        { STDOUT_FILENO, "Client DBus Interface not valid, error: Not connected to D-Bus server\n",
+          NotRun });
     if (!client.connectToService(wordAt(argv, ServicePosition), wordAt(argv, PathPosition))) {
         return NotRun;
     }
+    // A call that the bus did not answer, or perhaps did not take, has failed.
+    endWithBus(NotRun);
 
     const std::string word = wordAt(argv, CommandPosition);
     const Command *const command = findCommand(word);
+    const Ending ending = command != nullptr ? command->ending : Ending::Answered;
+    if (ending == Ending::Listening) {
+        // Qt D-Bus delivers this signal after all that the bus sent before it ended.
+        bus.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                    QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                    &application, SLOT(quit()));
+        outliveBus();
+    }
     const int status = command != nullptr ? (client.*command->handler)(argv) : NotRun;
     if (status != Success) {
+        // Nothing was sent, or the answer has come.
+        outliveBus();
         std::cout << "Error While Parsing Command -- use -h for help   err:" << status << std::endl;
     }
 
-    // Calls that nobody waits for go out meanwhile. The monitor has no end of its own.
-    constexpr int lingerMs = 500;
-    if (word != "SIG") {
-        QTimer::singleShot(lingerMs, &client, SLOT(quit()));
+    if (ending == Ending::Listening) {
+        const FlowControl flow;
+        QCoreApplication::exec();
+        return NotRun;
     }
+    // Calls that nobody waits for go out meanwhile.
+    constexpr int lingerMs = 500;
+    QTimer::singleShot(lingerMs, &client, SLOT(quit()));
     QCoreApplication::exec();
+    // Qt D-Bus closes the connection at the end, which is no end of the bus.
+    outliveBus();
     return status;
 }

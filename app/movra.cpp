@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/movra.h"
 
+#include "bus/connection.h"
 #include "bus/proxies.h"
 
 #include <QCoreApplication>
@@ -26,6 +27,8 @@ bool Movra::connectToService(const std::string &service, const std::string &path
     if (iface->isValid()) {
         return true;
     }
+    // A bus that ends now adds no second line.
+    outliveBus();
     std::printf("Client DBus Interface not valid, error: %s\n", recordLastError().constData());
     // Without effect where the event loop has not started, as in main, which ends the run itself.
     QCoreApplication::quit();

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // ACTION, SERVERSTAT and SERVERCMD: one call each, waited for; a failed call still ends with
 // success.
+#include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "app/textline.h"
 #include "bus/proxies.h"
-
-#include <QDBusReply>
 
 #include <cstdio>
 #include <cstring>
@@ -22,8 +21,6 @@ bool isTimerWord(const char *word)
 
 } // namespace
 
-// In all three, making a QDBusReply of the pending reply is the wait.
-
 int Movra::actionCommand(char **argv)
 {
     if (argv[FirstArgument] == nullptr) {
@@ -31,14 +28,14 @@ int Movra::actionCommand(char **argv)
     }
     const QString id = QString::fromLatin1(argv[FirstArgument]);
     if (argv[SecondArgument] == nullptr) {
-        const QDBusReply<void> reply = iface->DoAction(id);
+        const QDBusReply<void> reply = answerTo(iface->DoAction(id));
         if (!reply.isValid()) {
             reportFailedReply();
         }
         return Success;
     }
     const QDBusReply<QString> reply =
-        iface->DoAction(id, QString::fromLatin1(argv[SecondArgument]));
+        answerTo(iface->DoAction(id, QString::fromLatin1(argv[SecondArgument])));
     if (reply.isValid()) {
         printLine(reply.value());
     } else {
@@ -49,7 +46,7 @@ int Movra::actionCommand(char **argv)
 
 int Movra::serverStatCommand(char ** /*argv*/)
 {
-    const QDBusReply<int> reply = iface->DBusServerStatus();
+    const QDBusReply<int> reply = answerTo(iface->DBusServerStatus());
     if (reply.isValid()) {
         std::printf("%d\n", reply.value());
     } else {
@@ -69,8 +66,8 @@ int Movra::serverCmdCommand(char **argv)
     }
     // Text that is no number in the range of an int is sent as 0.
     const int timeout = QString::fromLatin1(argv[SecondArgument]).toInt();
-    const QDBusReply<void> reply =
-        iface->DBusServerCmd(QString::fromLatin1(argv[FirstArgument]), QDBusVariant(timeout));
+    const QDBusReply<void> reply = answerTo(
+        iface->DBusServerCmd(QString::fromLatin1(argv[FirstArgument]), QDBusVariant(timeout)));
     if (!reply.isValid()) {
         reportFailedReply();
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sim/host.h"
 
+#include "bus/connection.h"
 #include "sim/catalog.h"
 #include "sim/quitsignals.h"
 #include "sim/resources.h"
@@ -17,6 +18,8 @@
 #include <QRegularExpression>
 
 #include <utility>
+
+#include <unistd.h>
 
 namespace
 {
@@ -91,7 +94,9 @@ Ending Host::serve(void (*announceReady)())
 
 Ending Host::serveOnBus(const Catalog &catalog, const StateFiles &files, void (*announceReady)())
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnection bus = openSessionBus(
+        { STDERR_FILENO, "movra-sim: there is no session bus: Not connected to D-Bus server\n",
+          static_cast<int>(ExitStatus::NoBus) });
     if (!bus.isConnected()) {
         return { ExitStatus::NoBus,
                  QStringLiteral("there is no session bus: %1").arg(bus.lastError().message()) };
@@ -108,6 +113,7 @@ Ending Host::serveOnBus(const Catalog &catalog, const StateFiles &files, void (*
     connect(&service, &Service::vanished, this, [] { QCoreApplication::exit(withoutAWord); });
     connect(&quitSignals, &QuitSignals::received, this, &QCoreApplication::quit);
     const QString problem = ownName(bus, options.service);
+    outliveBus(); // busLost() sees to that from now on
     if (!problem.isEmpty()) {
         return { bus.isConnected() ? ExitStatus::NoName : ExitStatus::NoBus,
                  QStringLiteral("the bus name %1 cannot be owned: %2")

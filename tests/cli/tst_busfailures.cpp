@@ -2,6 +2,7 @@
 // What each command prints, and how it ends, when there is no bus, when the bus refuses, and when
 // it stops or dies on the way. Every bus here is the test's own.
 #include "tests/support/commandforms.h"
+#include "tests/support/cutbus.h"
 #include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
 #include "tests/support/privatebus.h"
@@ -10,7 +11,6 @@
 
 #include <csignal>
 #include <memory>
-#include <stdexcept>
 
 namespace
 {
@@ -53,44 +53,50 @@ void failsAsItDoes(const CommandForm &form, Program &program)
     endsWith(program, form.failed, form.failedStatus);
 }
 
-/// A command that waits on a bus of its own and ends when its service leaves. Start it before the
-/// programs under test: those that still run after its end did not end as it does.
-class ReferenceRun
+/// Programs in their half second, each with a bus of its own, which then gets a signal.
+class HalfSeconds
 {
 public:
-    ReferenceRun()
-        : service(std::make_unique<FakeService>("com.varn.tul", bus.address))
+    explicit HalfSeconds(int signalNumber)
+        : signal(signalNumber)
     {
-        service->ignore("DBusServerStatus");
-        program = std::make_unique<Program>(MOVRA_PROGRAM,
-                                            QByteArrayList { "com.varn.tul", "/", "SERVERSTAT" },
-                                            busEnvironment(bus.address));
-        if (service->waitForCalls(1) != QByteArrayList { "DBusServerStatus" }) {
-            throw std::runtime_error("the reference run made no call");
-        }
     }
-    void end()
+
+    /// Starts a program and sends its bus the signal once the service has refused the call of the
+    /// form, if there is one, and the program has printed all of `out`.
+    void add(const CommandForm &form, const QByteArray &out, int status)
     {
-        service.reset();
-        endsWith(*program, "Reply Not Valid     err=\n", 0);
+        Run run { out, status, std::make_unique<PrivateBus>(), nullptr };
+        auto service = std::make_unique<FakeService>("com.varn.tul", run.bus->address);
+        service->refuse(form.member, "varn.pim.Error.Refused", "no");
+        run.program = std::make_unique<Program>(MOVRA_PROGRAM, requestOf(form),
+                                                busEnvironment(run.bus->address));
+        if (!form.call.isEmpty()) {
+            QCOMPARE(service->waitForCalls(1), QByteArrayList { form.call });
+        }
+        QVERIFY(run.program->waitForLines(out.count('\n')));
+        service.reset(); // while the bus can release its name
+        run.bus->daemon->send(signal);
+        runs.push_back(std::move(run));
+    }
+
+    void check()
+    {
+        for (const Run &run : runs) {
+            endsWith(*run.program, run.out, run.status);
+        }
     }
 
 private:
-    PrivateBus bus;
-    std::unique_ptr<FakeService> service;
-    std::unique_ptr<Program> program;
+    struct Run {
+        QByteArray out;
+        int status;
+        std::unique_ptr<PrivateBus> bus;
+        std::unique_ptr<Program> program;
+    };
+    int signal;
+    std::vector<Run> runs;
 };
-
-/// The number of lines on standard error is the monitor's one warning, or none.
-void waitsUntilItIsEnded(Program &program, int warnings = 0)
-{
-    QVERIFY(program.runs());
-    program.send(SIGTERM);
-    QVERIFY(program.waitForEnd());
-    QCOMPARE(program.out, QByteArray());
-    QCOMPARE(program.err.count('\n'), warnings);
-    QCOMPARE(program.status, 256 + SIGTERM);
-}
 
 void addBusEnds()
 {
@@ -112,13 +118,20 @@ private Q_SLOTS:
     void aBusThatRefusesConnections();
     void aBusThatRefusesCalls_data();
     void aBusThatRefusesCalls();
+    void aBusThatDiesAtTheStart_data();
+    void aBusThatDiesAtTheStart();
+    void aBusThatDiesDuringTheWait();
+    void aMessageThatIsTooLong_data();
     void aMessageThatIsTooLong();
-    void aBusThatStoppedBeforeTheStart();
-    void theMonitorOutlastsTheBus_data() { addBusEnds(); }
-    void theMonitorOutlastsTheBus();
+    void theMonitorPrintsAllAndEndsWithTheBus();
+    void theMonitorGoesOnWithTheBus();
     void aBusThatWithholdsASignal();
-    void theHalfSecondOutlastsTheBus_data() { addBusEnds(); }
-    void theHalfSecondOutlastsTheBus();
+    void theHalfSecondAfterAnAnswer_data() { addBusEnds(); }
+    void theHalfSecondAfterAnAnswer();
+    void theHalfSecondAfterAnErrorLine_data() { addBusEnds(); }
+    void theHalfSecondAfterAnErrorLine();
+    void aBusThatDiesOnACallThatNobodyWaitsFor();
+    void aBusThatStopsAfterACallThatNobodyWaitsFor();
 
 private:
     static void noCommandConnects(const QByteArrayList &environment);
@@ -199,54 +212,99 @@ void tst_BusFailures::aBusThatRefusesCalls()
     QCOMPARE(service.waitForCalls(count).size(), count);
 }
 
+void tst_BusFailures::aBusThatDiesAtTheStart_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("while it authenticates") << QByteArray("AUTH");
+    QTest::newRow("while it gives a name") << QByteArray("Hello");
+    QTest::newRow("while it looks up the service") << QByteArray("GetNameOwner");
+}
+
+void tst_BusFailures::aBusThatDiesAtTheStart()
+{
+    QFETCH(QByteArray, text);
+    const PrivateBus bus;
+    const FakeService service("com.varn.tul", bus.address);
+    const CutBus dying(bus.address, text, CutBus::Cut::Close);
+    noCommandConnects(busEnvironment(dying.address));
+}
+
+void tst_BusFailures::aBusThatDiesDuringTheWait()
+{
+    const PrivateBus bus;
+    FakeService service("com.varn.tul", bus.address);
+    for (const CommandForm &form : firstFormsThatWait()) {
+        service.ignore(form.member);
+    }
+    Runs runs(firstFormsThatWait(), busEnvironment(bus.address));
+    const int count = static_cast<int>(firstFormsThatWait().size());
+    QCOMPARE(service.waitForCalls(count).size(), count);
+    bus.daemon->send(SIGKILL);
+    runs.forEach([](const CommandForm & /*form*/, Program &program) { endsWith(program, "", 1); });
+}
+
+void tst_BusFailures::aMessageThatIsTooLong_data()
+{
+    const QByteArray text(5000, 'x');
+    QTest::addColumn<QByteArrayList>("request");
+    QTest::newRow("SET") << QByteArrayList { "SET", ":x:", text };
+    QTest::newRow("SETARRAY") << QByteArrayList { "SETARRAY", ":stringARRAY:", "1", text };
+    QTest::newRow("NOTIFY") << QByteArrayList { "NOTIFY", "CONFIG", "ADD", text };
+    QTest::newRow("GET") << QByteArrayList { "GET", text };
+    QTest::newRow("FILE") << QByteArrayList { "FILE", "SAVE", text };
+    QTest::newRow("ACTION") << QByteArrayList { "ACTION", text };
+    QTest::newRow("DBG") << QByteArrayList { "DBG", "SET", text };
+}
+
 void tst_BusFailures::aMessageThatIsTooLong()
 {
-    ReferenceRun reference;
+    QFETCH(QByteArrayList, request);
     const PrivateBus bus("<limit name='max_message_size'>2048</limit>");
     FakeService service("com.varn.tul", bus.address);
-    QByteArrayList array { "com.varn.tul", "/", "SETARRAY", ":stringARRAY:", "512" };
-    for (int i = 0; i < 512; ++i) {
-        array.append("word");
-    }
-    Program writes(MOVRA_PROGRAM, array, busEnvironment(bus.address));
-    Program reads(MOVRA_PROGRAM, { "com.varn.tul", "/", "GET", QByteArray(5000, 'x') },
-                  busEnvironment(bus.address));
-    // The bus ends the connection, which to Qt D-Bus is as if the bus had died.
-    endsWith(writes, "", 0);
-    reference.end();
-    waitsUntilItIsEnded(reads);
+    Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + request,
+                    busEnvironment(bus.address));
+    // The bus closes the connection.
+    endsWith(program, "", 1);
     QCOMPARE(service.takeCalls(), QByteArrayList());
 }
 
-void tst_BusFailures::aBusThatStoppedBeforeTheStart()
+void tst_BusFailures::theMonitorPrintsAllAndEndsWithTheBus()
 {
-    ReferenceRun reference;
-    const PrivateBus bus;
-    bus.daemon->send(SIGSTOP);
-    std::vector<CommandForm> all = firstForms();
-    all.push_back(monitorForm());
-    Runs runs(all, busEnvironment(bus.address));
-    reference.end();
-    runs.forEach(
-        [](const CommandForm & /*form*/, Program &program) { waitsUntilItIsEnded(program); });
-}
-
-void tst_BusFailures::theMonitorOutlastsTheBus()
-{
-    QFETCH(int, signal);
-    ReferenceRun reference;
+    // More than the pipe holds, so that most of them wait in the monitor.
+    constexpr int count = 5000;
     const PrivateBus bus;
     FakeService service("com.varn.tul", bus.address);
     Program program(MOVRA_PROGRAM, requestOf(monitorForm()), busEnvironment(bus.address));
-    QVERIFY(waitUntilListening(service));
-    service.emitSignal("SigInfo", "('before',)");
-    QVERIFY(program.waitForLines(1));
-    QCOMPARE(program.out, QByteArray("===Client sigInfoSlot  msg=before\n"));
-    program.forgetOutput();
-    bus.daemon->send(signal);
-    reference.end();
-    waitsUntilItIsEnded(program, 1);
+    QVERIFY(waitUntilHeard(program, service));
+    QByteArray lines;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        service.emitSignal("SigInfo", "('" + number + "',)", "/", "varn.pim",
+                           FakeService::After::MoreFollows);
+        lines += "===Client sigInfoSlot  msg=" + number + '\n';
+    }
+    QVERIFY(service.waitUntilTaken("com.varn.tul"));
     bus.daemon->send(SIGKILL);
+    QVERIFY(bus.daemon->waitForEnd());
+    QVERIFY(program.waitForEnd());
+    QVERIFY(program.out == lines);
+    QCOMPARE(program.err.count('\n'), 1); // the warning of every monitor
+    QCOMPARE(program.status, 1);
+}
+
+void tst_BusFailures::theMonitorGoesOnWithTheBus()
+{
+    const PrivateBus bus;
+    FakeService service("com.varn.tul", bus.address);
+    Program program(MOVRA_PROGRAM, requestOf(monitorForm()), busEnvironment(bus.address));
+    QVERIFY(waitUntilHeard(program, service));
+    bus.daemon->send(SIGSTOP);
+    service.emitSignal("SigInfo", "('one',)", "/", "varn.pim", FakeService::After::MoreFollows);
+    bus.daemon->send(SIGCONT);
+    service.emitSignal("SigInfo", "('two',)");
+    QVERIFY(program.waitForLines(2));
+    QCOMPARE(program.out,
+             QByteArray("===Client sigInfoSlot  msg=one\n===Client sigInfoSlot  msg=two\n"));
 }
 
 void tst_BusFailures::aBusThatWithholdsASignal()
@@ -265,31 +323,59 @@ void tst_BusFailures::aBusThatWithholdsASignal()
              QByteArray("===Client sigInfoSlot  msg=before\n===Client sigInfoSlot  msg=after\n"));
 }
 
-void tst_BusFailures::theHalfSecondOutlastsTheBus()
+void tst_BusFailures::theHalfSecondAfterAnAnswer()
 {
     QFETCH(int, signal);
-    struct Run {
-        CommandForm form;
-        std::unique_ptr<PrivateBus> bus;
-        std::unique_ptr<Program> program;
-    };
-    std::vector<Run> runs;
-    for (const CommandForm &form : firstForms()) {
-        auto bus = std::make_unique<PrivateBus>();
-        auto service = std::make_unique<FakeService>("com.varn.tul", bus->address);
+    HalfSeconds halfSeconds(signal);
+    for (const CommandForm &form : firstFormsThatWait()) {
         // Upon an error everybody who waits prints a line.
-        service->refuse(form.member, "varn.pim.Error.Refused", "no");
-        auto program =
-            std::make_unique<Program>(MOVRA_PROGRAM, requestOf(form), busEnvironment(bus->address));
-        QCOMPARE(service->waitForCalls(1), QByteArrayList { form.call });
-        QVERIFY(program->waitForLines(form.failed.count('\n')));
-        service.reset(); // while the bus can release its name
-        bus->daemon->send(signal);
-        runs.push_back({ form, std::move(bus), std::move(program) });
+        halfSeconds.add(form, form.failed, form.failedStatus);
     }
-    for (const Run &run : runs) {
-        failsAsItDoes(run.form, *run.program);
+    halfSeconds.check();
+}
+
+void tst_BusFailures::theHalfSecondAfterAnErrorLine()
+{
+    QFETCH(int, signal);
+    HalfSeconds halfSeconds(signal);
+    // Nothing is sent, so nothing is lost.
+    const auto add = [&halfSeconds](const QByteArrayList &words, int status) {
+        CommandForm form {};
+        form.words = words;
+        halfSeconds.add(form, error(status), status);
+    };
+    add({ "SET", ":x:" }, 3);
+    add({ "SETARRAY", ":x:", "1", "5" }, 2);
+    add({ "NOTIFY", "CONFIG" }, 2);
+    add({ "GET" }, 3);
+    add({ "SERVERCMD", "NO", "1" }, 2);
+    add({ "NOPE" }, 1);
+    halfSeconds.check();
+}
+
+void tst_BusFailures::aBusThatDiesOnACallThatNobodyWaitsFor()
+{
+    const PrivateBus bus;
+    FakeService service("com.varn.tul", bus.address);
+    for (const CommandForm &form : firstForms()) {
+        if (!form.waits) {
+            const CutBus dying(bus.address, form.member, CutBus::Cut::Close);
+            Program program(MOVRA_PROGRAM, requestOf(form), busEnvironment(dying.address));
+            endsWith(program, "", 1);
+        }
     }
+    QCOMPARE(service.takeCalls(), QByteArrayList());
+}
+
+void tst_BusFailures::aBusThatStopsAfterACallThatNobodyWaitsFor()
+{
+    HalfSeconds halfSeconds(SIGSTOP);
+    for (const CommandForm &form : firstForms()) {
+        if (!form.waits) {
+            halfSeconds.add(form, "", 0);
+        }
+    }
+    halfSeconds.check();
 }
 
 QTEST_GUILESS_MAIN(tst_BusFailures)

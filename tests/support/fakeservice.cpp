@@ -317,10 +317,14 @@ void FakeService::emitSignal(const QByteArray &member, const QByteArray &body,
         == FALSE) {
         fail(member.constData(), error);
     }
-    if (after == After::MoreFollows) {
-        return;
+    if (after == After::Wait) {
+        waitUntilSent();
     }
-    // The bus handles what one connection sends in order: its answer means that it has the signal.
+}
+
+void FakeService::waitUntilSent() const
+{
+    // The bus handles what one connection sends in order: its answer means that it has the signals.
     (void)d->callBus("org.freedesktop.DBus", "GetId", nullptr);
 }
 
@@ -335,7 +339,7 @@ QByteArrayList FakeService::matchRules(const QByteArray &service) const
 
 bool FakeService::waitUntilTaken(const QByteArray &service) const
 {
-    (void)d->callBus("org.freedesktop.DBus", "GetId", nullptr);
+    waitUntilSent();
     const std::vector<Private::Rule> rules = d->rulesFor(service);
     return std::all_of(rules.cbegin(), rules.cend(), [this](const Private::Rule &rule) {
         // A connection answers this by itself, in its turn, however busy the program behind it is.

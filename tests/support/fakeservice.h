@@ -55,6 +55,8 @@ public:
     /// is to follow.
     void emitSignal(const QByteArray &member, const QByteArray &body, const QByteArray &path = "/",
                     const QByteArray &interface = "varn.pim", After after = After::Wait);
+    /// Waits until the bus has all that was emitted.
+    void waitUntilSent() const;
 
     /// The match rules that anybody holds at the bus for signals of a service (by its name).
     QByteArrayList matchRules(const QByteArray &service) const;

@@ -11,6 +11,7 @@ class tst_Commands : public QObject
 
 private Q_SLOTS:
     void words();
+    void endings();
     void unknownWords_data();
     void unknownWords();
 };
@@ -23,6 +24,16 @@ void tst_Commands::words()
         QVERIFY(findCommand(command.word)->handler == command.handler);
     }
     QCOMPARE(words, commandWords());
+}
+
+void tst_Commands::endings()
+{
+    for (const CommandForm &form : commandForms()) {
+        QVERIFY2(findCommand(form.words.first().toStdString())->ending
+                     == (form.waits ? Ending::Answered : Ending::Sent),
+                 form.name);
+    }
+    QVERIFY(findCommand("SIG")->ending == Ending::Listening);
 }
 
 void tst_Commands::unknownWords_data()
