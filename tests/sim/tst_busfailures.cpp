@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// The simulator on a bus that dies, and under messages that together are larger than what libdbus
+// accepts unless it is told otherwise.
+#include "bus/proxies.h"
+#include "tests/support/cutbus.h"
+#include "tests/support/movrarun.h"
+#include "tests/support/privatebus.h"
+
+#include <QTest>
+
+#include <csignal>
+#include <vector>
+
+class tst_BusFailures : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aBusThatDiesAtTheStart_data();
+    void aBusThatDiesAtTheStart();
+    void aBusThatDiesLater();
+    void manyCallsThatWait();
+    void aCallAbove63MiB();
+};
+
+void tst_BusFailures::aBusThatDiesAtTheStart_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("while it authenticates") << QByteArray("AUTH");
+    QTest::newRow("while it gives a name") << QByteArray("Hello");
+    QTest::newRow("while it gives the service its name") << QByteArray("RequestName");
+}
+
+void tst_BusFailures::aBusThatDiesAtTheStart()
+{
+    QFETCH(QByteArray, text);
+    const PrivateBus bus;
+    const CutBus dying(bus.address, text, CutBus::Cut::Close);
+    Program simulator(MOVRA_SIM_PROGRAM, {}, busEnvironment(dying.address));
+    QVERIFY(simulator.waitForEnd());
+    QCOMPARE(simulator.out, QByteArray());
+    QVERIFY2(simulator.err.startsWith("movra-sim: there is no session bus: "),
+             simulator.err.constData());
+    QCOMPARE(simulator.err.count('\n'), 1);
+    QCOMPARE(simulator.status, 3);
+}
+
+void tst_BusFailures::aBusThatDiesLater()
+{
+    const PrivateBus bus;
+    Program simulator(MOVRA_SIM_PROGRAM, {}, busEnvironment(bus.address));
+    QVERIFY(simulator.waitForLines(1));
+    bus.daemon->send(SIGKILL);
+    QVERIFY(simulator.waitForEnd());
+    QCOMPARE(simulator.err, QByteArray("movra-sim: the session bus went away\n"));
+    QCOMPARE(simulator.status, 3);
+}
+
+void tst_BusFailures::manyCallsThatWait()
+{
+    Program simulator(MOVRA_SIM_PROGRAM,
+                      { "--service", "com.varn.many", "--fault", "DbgLogCmd=delay:2000" },
+                      busEnvironment());
+    QVERIFY(simulator.waitForLines(1));
+    KorAppInterface service(QStringLiteral("com.varn.many"), QStringLiteral("/"),
+                            QDBusConnection::sessionBus(), nullptr);
+    const QString text(100 * 1024, QLatin1Char('x'));
+    std::vector<QDBusPendingReply<>> delayed;
+    for (int i = 0; i < 700; ++i) {
+        delayed.push_back(service.DbgLogCmd(QStringLiteral("SET"), text));
+    }
+    for (QDBusPendingReply<> &reply : delayed) {
+        reply.waitForFinished();
+        // The service refuses such a value, and nothing else is wrong.
+        QCOMPARE(reply.error().name(), QStringLiteral("varn.pim.Error.BadValue"));
+    }
+    QDBusPendingReply<int> status = service.DBusServerStatus();
+    status.waitForFinished();
+    QVERIFY2(status.isValid(), qPrintable(status.error().message()));
+}
+
+void tst_BusFailures::aCallAbove63MiB()
+{
+    Program simulator(MOVRA_SIM_PROGRAM, { "--service", "com.varn.large" }, busEnvironment());
+    QVERIFY(simulator.waitForLines(1));
+    KorAppInterface service(QStringLiteral("com.varn.large"), QStringLiteral("/"),
+                            QDBusConnection::sessionBus(), nullptr);
+    const QString text(64 * 1024 * 1024, QLatin1Char('x'));
+    // Refused or not, it is answered, and so is what follows.
+    service.SetValue(QStringLiteral(":config:data:ftp:userName:"), QDBusVariant(text))
+        .waitForFinished();
+    QDBusPendingReply<int> status = service.DBusServerStatus();
+    status.waitForFinished();
+    QVERIFY2(status.isValid(), qPrintable(status.error().message()));
+}
+
+QTEST_GUILESS_MAIN(tst_BusFailures)
+#include "tst_busfailures.moc"
