@@ -178,7 +178,8 @@ void tst_Output::nonBlockingOutputTakesAll()
                     output);
     // Until the stream is full; the flags are its other users' as well, and stay.
     int unread = -1;
-    QTRY_VERIFY(program.unread() > 0 && std::exchange(unread, program.unread()) == unread);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        program.unread() > 0 && std::exchange(unread, program.unread()) == unread, patienceMs);
     QFile descriptor(QStringLiteral("/proc/%1/fdinfo/1").arg(program.processId()));
     QVERIFY(descriptor.open(QIODevice::ReadOnly));
     const QByteArray flags = descriptor.readAll().split('\n').at(1).mid(6).trimmed();

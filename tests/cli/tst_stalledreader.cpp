@@ -51,7 +51,7 @@ void tst_StalledReader::init()
     }
     service->waitUntilSent();
     // The pipe is full: it holds 64 KiB, less what a line leaves at the end of each page.
-    QTRY_VERIFY(monitor->unread() > 60000);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor->unread() > 60000, patienceMs);
 }
 
 void tst_StalledReader::signalsEndTheMonitor_data()
