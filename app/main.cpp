@@ -14,8 +14,6 @@
 #include <iostream>
 #include <string>
 
-#include <unistd.h>
-
 int main(int argc, char **argv)
 {
     replaceClosedStreams();
@@ -28,9 +26,6 @@ int main(int argc, char **argv)
 
     QCoreApplication application(argc, argv);
     Movra client(&application);
-    QDBusConnection bus = openSessionBus(
-        { STDOUT_FILENO, "Client DBus Interface not valid, error: Not connected to D-Bus server\n",
-          NotRun });
     if (!client.connectToService(wordAt(argv, ServicePosition), wordAt(argv, PathPosition))) {
         return NotRun;
     }
@@ -42,9 +37,10 @@ int main(int argc, char **argv)
     const Ending ending = command != nullptr ? command->ending : Ending::Answered;
     if (ending == Ending::Listening) {
         // Qt D-Bus delivers this signal after all that the bus sent before it ended.
-        bus.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
-                    QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
-                    &application, SLOT(quit()));
+        QDBusConnection::sessionBus().connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                                              QStringLiteral("org.freedesktop.DBus.Local"),
+                                              QStringLiteral("Disconnected"), &application,
+                                              SLOT(quit()));
         outliveBus();
     }
     const int status = command != nullptr ? (client.*command->handler)(argv) : NotRun;

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "app/movra.h"
 
+#include "app/commandline.h"
 #include "bus/connection.h"
 #include "bus/proxies.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusError>
 
 #include <cstdio>
+
+#include <unistd.h>
 
 Movra::Movra(QObject *parent)
     : QObject(parent)
@@ -20,15 +22,20 @@ Movra::~Movra() = default;
 
 bool Movra::connectToService(const std::string &service, const std::string &path)
 {
+    // Before the connection: at exit Qt destroys it first, and calls without a reply still hold
+    // values of these types.
     registerBusTypes();
-    iface =
-        new KorAppInterface(QString::fromLatin1(service.c_str()), QString::fromLatin1(path.c_str()),
-                            QDBusConnection::sessionBus(), nullptr);
+    // This line is for a wait that ends the process; the line below has the same text.
+    const QDBusConnection bus = openSessionBus(
+        { STDOUT_FILENO, "Client DBus Interface not valid, error: Not connected to D-Bus server\n",
+          NotRun });
+    iface = new KorAppInterface(QString::fromLatin1(service.c_str()),
+                                QString::fromLatin1(path.c_str()), bus, nullptr);
+    // The caller says what the end of the bus means from here on.
+    outliveBus();
     if (iface->isValid()) {
         return true;
     }
-    // A bus that ends now adds no second line.
-    outliveBus();
     std::printf("Client DBus Interface not valid, error: %s\n", recordLastError().constData());
     // Without effect where the event loop has not started, as in main, which ends the run itself.
     QCoreApplication::quit();

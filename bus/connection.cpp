@@ -173,21 +173,22 @@ QDBusConnection openSessionBus(const ConnectFailure &failure)
     connectFailure = failure;
     const ConnectLimit limit;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    connection = static_cast<DBusConnection *>(bus.internalPointer());
-    if (connection != nullptr) {
+    if (connection == nullptr && bus.internalPointer() != nullptr) {
+        connection = static_cast<DBusConnection *>(bus.internalPointer());
         // Above its limit libdbus stops reading, and Qt D-Bus 5.15 cannot make it read again.
         dbus_connection_set_max_received_size(connection, std::numeric_limits<long>::max());
-        onBusEnd(BusEnd::FailsToConnect);
         dbus_connection_add_filter(connection, &noticeBusEnd, nullptr, nullptr);
-        // The bus may have ended before the filter was there.
-        endIfBusEnded();
     }
+    onBusEnd(BusEnd::FailsToConnect);
+    // The bus may have ended before the filter was there.
+    endIfBusEnded();
     return bus;
 }
 
 void endWithBus(int status)
 {
     onBusEnd(BusEnd::EndsProcess, status);
+    endIfBusEnded();
 }
 
 void outliveBus()

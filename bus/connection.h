@@ -20,7 +20,8 @@ struct ConnectFailure {
 /// before endWithBus() or outliveBus() is called. Qt D-Bus 5.15 would wait without end.
 QDBusConnection openSessionBus(const ConnectFailure &failure);
 
-/// From now on the end of the bus ends the process at once with this status. Nothing is printed.
+/// From now on the end of the bus ends the process at once with this status, and so does a bus that
+/// has ended already. Nothing is printed.
 void endWithBus(int status);
 
 /// From now on the process outlives the bus. Does not return if the bus has ended the process.
