@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sim/actions.h"
 
-#include "sim/element.h"
-#include "sim/text.h"
-
 #include <Qt>
 #include <QTimerEvent>
 
@@ -21,14 +18,16 @@ int elapsedAfter(int step, int duration)
 
 } // namespace
 
-Actions::Actions(QVector<Action> catalogue, Items &drivenItems, Journal &journalOfActions,
-                 Announcer announcerOfEnds, QObject *parent)
-    : QObject(parent)
-    , all(std::move(catalogue))
+Actions::Actions(QVector<Action> catalogue, Items &drivenItems, Log &logOfActions,
+                 Announcer &announcerOfEnds)
+    : all(std::move(catalogue))
     , items(drivenItems)
-    , journal(journalOfActions)
-    , announcer(std::move(announcerOfEnds))
+    , log(logOfActions)
+    , announcer(announcerOfEnds)
 {
+    for (int index = 0; index < all.size(); ++index) {
+        indexes.insert(all.at(index).id, index);
+    }
 }
 
 QStringList Actions::ids() const
@@ -40,45 +39,36 @@ QStringList Actions::ids() const
     return found;
 }
 
-int Actions::indexOf(const QString &id) const
+void Actions::start(const QString &id, const QString *value)
 {
-    for (int index = 0; index < all.size(); ++index) {
-        if (all.at(index).id == id) {
-            return index;
-        }
-    }
-    return -1;
-}
-
-std::optional<Refusal> Actions::start(const QString &id, const std::optional<QString> &value)
-{
-    const int index = indexOf(id);
+    const int index = indexes.value(id, -1);
     if (index < 0) {
-        return unknownId(id);
+        throw unknownId(id);
     }
     if (stepsDone.contains(index)) {
-        return busy(id);
+        throw Refusal { QStringLiteral("Busy"),
+                        QStringLiteral("%1 is running already.").arg(quoted(id)), id };
     }
     // The value comes back in a signal, together with the identifier.
-    if (value && value->size() > element::longestText) {
-        return badValue(QStringLiteral("The value for %1 is longer than %2 characters.")
-                            .arg(quoted(id), QString::number(element::longestText)));
+    if (value != nullptr && value->size() > longestText) {
+        throw Refusal { QStringLiteral("BadValue"),
+                        QStringLiteral("The value for %1 is longer than %2 characters.")
+                            .arg(quoted(id), QString::number(longestText)),
+                        id };
     }
     stepsDone.insert(index, 0);
-    journal.record(LogLevel::Info, id,
-                   value ? QStringLiteral("started with ") + shown(*value)
-                         : QStringLiteral("started"));
-    announcer.info(value ? id + QLatin1String(" started with ") + *value
-                         : id + QLatin1String(" started"));
+    const QString with = value == nullptr ? QString() : QStringLiteral(" with ");
+    const QString started = QStringLiteral("started") + with;
+    log.record(LogLevel::Info, id, value == nullptr ? started : started + shown(*value));
+    announcer.info(id + QLatin1Char(' ') + (value == nullptr ? started : started + *value));
     drive(all.at(index), 0);
     scheduleStep(index);
-    return {};
 }
 
 QString Actions::replyTo(const QString &id, const QString &value) const
 {
     const QString placeholder = QStringLiteral("%1");
-    QString reply = all.at(indexOf(id)).reply;
+    QString reply = all.at(indexes.value(id)).reply;
     const int at = reply.indexOf(placeholder);
     return at < 0 ? reply : reply.replace(at, placeholder.size(), value);
 }
@@ -95,11 +85,7 @@ void Actions::scheduleStep(int index)
 void Actions::timerEvent(QTimerEvent *event)
 {
     killTimer(event->timerId());
-    step(timers.take(event->timerId()));
-}
-
-void Actions::step(int index)
-{
+    const int index = timers.take(event->timerId());
     const Action &action = all.at(index);
     // Without a duration there is no time between the steps, so that the last one is the only one.
     const int done = action.duration == 0 ? steps : stepsDone.value(index) + 1;
@@ -118,22 +104,17 @@ void Actions::drive(const Action &action, int percent)
         return;
     }
     const Item &item = items.at(action.drivenItem);
-    journal.record(LogLevel::Info, item.id,
-                   QStringLiteral("driven to %1 by %2").arg(percent).arg(shown(action.id)));
-    items.assign(
-        { { action.drivenItem, valueFromText(item.type, QString::number(percent)).value } });
+    log.record(LogLevel::Info, item.id,
+               QStringLiteral("driven to %1 by %2").arg(percent).arg(shown(action.id)));
+    items.assign({ { action.drivenItem, valueFromText(item.type, QString::number(percent), {}) } });
 }
 
 void Actions::end(int index)
 {
     stepsDone.remove(index);
     const Action &action = all.at(index);
-    journal.record(LogLevel::Info, action.id, QStringLiteral("ended"));
-    for (const ActionEnd &signal : action.ends) {
-        QVariantList arguments { signal.message };
-        if (signal.data.isValid()) {
-            arguments.append(signal.data);
-        }
-        announcer.send(signal.member, arguments);
+    log.record(LogLevel::Info, action.id, QStringLiteral("ended"));
+    for (const Signal &signal : action.ends) {
+        announcer.send(signal);
     }
 }

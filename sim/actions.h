@@ -2,11 +2,8 @@
 // The actions of a catalogue and those that run at the moment.
 #pragma once
 
-#include "sim/announcer.h"
-#include "sim/catalog.h"
 #include "sim/items.h"
-#include "sim/journal.h"
-#include "sim/refusal.h"
+#include "sim/log.h"
 
 #include <QHash>
 #include <QObject>
@@ -14,7 +11,14 @@
 #include <QStringList>
 #include <QVector>
 
-#include <optional>
+/// One action.
+struct Action {
+    QString id;
+    QString reply; ///< to a call with a value; the first `%1` stands for the value
+    int duration = 0; ///< in milliseconds
+    int drivenItem = -1; ///< the result that goes from 0 to 100 meanwhile; -1: none
+    QVector<Signal> ends; ///< sent when its time is over
+};
 
 /// Starts actions and ends them when their time is over.
 class Actions : public QObject
@@ -22,15 +26,15 @@ class Actions : public QObject
     Q_OBJECT
 
 public:
-    Actions(QVector<Action> catalogue, Items &drivenItems, Journal &journalOfActions,
-            Announcer announcerOfEnds, QObject *parent = nullptr);
+    Actions(QVector<Action> catalogue, Items &drivenItems, Log &logOfActions,
+            Announcer &announcerOfEnds);
 
     /// The identifiers in catalogue order.
     QStringList ids() const;
     /// How many run now.
     int runningCount() const { return stepsDone.size(); }
-    /// Starts an action that is not running, with the caller's value if there is one.
-    std::optional<Refusal> start(const QString &id, const std::optional<QString> &value);
+    /// Starts an action that is not running, with the caller's value unless that is null.
+    void start(const QString &id, const QString *value);
     /// What a caller who gave a value is told about a known action.
     QString replyTo(const QString &id, const QString &value) const;
 
@@ -38,16 +42,15 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
-    int indexOf(const QString &id) const;
     void scheduleStep(int index);
-    void step(int index);
     void drive(const Action &action, int percent);
     void end(int index);
 
     QVector<Action> all;
+    QHash<QString, int> indexes;
     QHash<int, int> stepsDone; ///< of each running action, by its index
     QHash<int, int> timers; ///< the action whose next step a timer waits for
     Items &items;
-    Journal &journal;
-    Announcer announcer;
+    Log &log;
+    Announcer &announcer;
 };

@@ -1,225 +1,415 @@
 // SPDX-License-Identifier: MIT
 #include "sim/catalog.h"
 
-#include "sim/jsonreader.h"
-#include "sim/text.h"
-#include "sim/value.h"
+#include "sim/statefiles.h"
 
-#include <QJsonArray>
-#include <QJsonValue>
-#include <QLatin1String>
+#include <QFile>
 #include <QRegularExpression>
 #include <QSet>
 
 #include <limits>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+// The linker leaves a static library's resources out unless somebody names them, and the macro that
+// does so must not stand in a namespace.
+static void nameResources()
+{
+    Q_INIT_RESOURCE(sim);
+}
 
 namespace
 {
 
 constexpr int longestDuration = 3600000;
 
-QString indexed(const QString &path, int index)
+/// `at` is how many bytes have been read when the fault is seen.
+Refusal syntaxFault(const QByteArray &text, qint64 at, const QString &reason, const Place &place)
 {
-    return QStringLiteral("%1[%2]").arg(path, QString::number(index));
+    const QByteArray before = text.left(static_cast<int>(at - 1));
+    const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
+    return place.in(QStringLiteral("line %1, column %2").arg(before.count('\n') + 1).arg(column))
+        .refusal(shown(reason));
 }
+
+/// Parses a text that must hold one object.
+Json parseJson(const QByteArray &text, const Place &place)
+{
+    constexpr int deepest = 100;
+    std::istringstream stream(text.toStdString());
+    const auto position = [&stream] {
+        return stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in);
+    };
+    std::vector<std::set<std::string>> keys;
+    const auto check = [&](int depth, Json::parse_event_t event, const Json &parsed) {
+        if (event == Json::parse_event_t::object_start) {
+            keys.emplace_back();
+        } else if (event == Json::parse_event_t::object_end) {
+            keys.pop_back();
+        } else if (event == Json::parse_event_t::key
+                   && !keys.back().insert(parsed.get<std::string>()).second) {
+            const QString key = QString::fromStdString(parsed.get<std::string>());
+            throw syntaxFault(text, position(),
+                              QStringLiteral("the key %1 is there already").arg(quoted(key)),
+                              place);
+        }
+        if (depth > deepest) {
+            throw syntaxFault(text, position(), QStringLiteral("nested too deeply"), place);
+        }
+        return true;
+    };
+    // The parser takes U+0000 for the end.
+    if (const int nul = text.indexOf('\0'); nul >= 0) {
+        throw syntaxFault(text, nul + 1, QStringLiteral("U+0000 is no character of JSON"), place);
+    }
+    try {
+        Json json = Json::parse(stream, check);
+        if (!json.is_object()) {
+            throw syntaxFault(text, 1, QStringLiteral("is %1, not an object").arg(jsonKind(json)),
+                              place);
+        }
+        return json;
+    } catch (const Json::exception &error) {
+        const auto *syntax = dynamic_cast<const Json::parse_error *>(&error);
+        const auto at =
+            syntax == nullptr ? static_cast<qint64>(position()) : static_cast<qint64>(syntax->byte);
+        // What the library says begins with its own name and the place.
+        static const QRegularExpression beginning(
+            QStringLiteral("\\A\\[[^]]*\\] (parse error at line \\d+, column \\d+: )?"));
+        throw syntaxFault(text, at, QString::fromUtf8(error.what()).remove(beginning), place);
+    }
+}
+
+/// Takes the fields of one object, each at most once.
+class Fields
+{
+public:
+    Fields(const Json &value, Place whereItIs)
+        : object(value)
+        , place(std::move(whereItIs))
+    {
+        if (!object.is_object()) {
+            throw place.refusal(QStringLiteral("is %1, not an object").arg(jsonKind(object)));
+        }
+    }
+
+    Place in(const char *key) const { return place.in(QString::fromLatin1(key)); }
+    Refusal refusal(const char *key, const QString &reason) const
+    {
+        return in(key).refusal(reason);
+    }
+
+    /// A field that need not be there; null: it is not.
+    const Json *find(const char *key)
+    {
+        taken.append(QString::fromLatin1(key));
+        const auto found = object.find(key);
+        return found == object.end() ? nullptr : &*found;
+    }
+    /// A field that must be there.
+    const Json &need(const char *key)
+    {
+        const Json *found = find(key);
+        if (found == nullptr) {
+            throw refusal(key, QStringLiteral("is missing"));
+        }
+        return *found;
+    }
+    QString text(const char *key)
+    {
+        return valueFromJson(ValueType::String, need(key), in(key)).toString();
+    }
+    QString name(const char *key)
+    {
+        const QString found = text(key);
+        if (found.isEmpty()) {
+            throw refusal(key, QStringLiteral("is empty"));
+        }
+        return found;
+    }
+    const Json &array(const char *key)
+    {
+        const Json &found = need(key);
+        if (!found.is_array()) {
+            throw refusal(key, QStringLiteral("is %1, not an array").arg(jsonKind(found)));
+        }
+        return found;
+    }
+    /// The whole number of a field that need not be there.
+    int integer(const char *key, int least, int greatest, int otherwise)
+    {
+        const Json *found = find(key);
+        if (found == nullptr) {
+            return otherwise;
+        }
+        if (!found->is_number()) {
+            throw refusal(key, QStringLiteral("is %1, not a number").arg(jsonKind(*found)));
+        }
+        const int number = valueFromJson(ValueType::Int32, *found, in(key)).toInt();
+        if (number < least || number > greatest) {
+            throw refusal(
+                key, QStringLiteral("%1 is not in %2 to %3").arg(number).arg(least).arg(greatest));
+        }
+        return number;
+    }
+    /// The value of a field whose type another field names.
+    QVariant value(ValueType type, const char *key)
+    {
+        return valueFromJson(type, need(key), in(key));
+    }
+    /// Refuses the first field that nobody has taken.
+    void refuseOthers() const
+    {
+        for (auto field = object.begin(); field != object.end(); ++field) {
+            const QString key = QString::fromStdString(field.key());
+            if (!taken.contains(key)) {
+                throw place.in(shown(key))
+                    .refusal(QStringLiteral("is not known; fields are %1")
+                                 .arg(taken.join(QLatin1String(", "))));
+            }
+        }
+    }
+
+private:
+    const Json &object;
+    Place place;
+    QStringList taken;
+};
 
 /// Reads the parts of a catalogue one after the other, up to the first thing that is wrong.
 class CatalogReader
 {
 public:
-    CatalogText read(const QByteArray &text);
+    explicit CatalogReader(Catalog &target)
+        : catalog(target)
+    {
+    }
+
+    void read(Fields &top)
+    {
+        readEntries(top, "configs", [this](Fields &fields) { readItem(fields, ItemKind::Config); });
+        readEntries(top, "results", [this](Fields &fields) { readItem(fields, ItemKind::Result); });
+        readEntries(top, "actions", [this](Fields &fields) { readAction(fields); });
+        // LogGetIds joins the names by blanks, and the debug log's commands separate them by
+        // commas.
+        catalog.logs =
+            readNames(top, "logs", QRegularExpression(QStringLiteral("\\A[^\\s[:cntrl:]:]+\\z")),
+                      "a name without blanks and colons");
+        catalog.debugLogs = readNames(
+            top, "debugLogs", QRegularExpression(QStringLiteral("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z")),
+            "LOG_ and a name in upper case");
+        top.refuseOthers();
+    }
 
 private:
-    using EntryReader = void (CatalogReader::*)(FieldReader &fields);
+    template <typename Read> static void readEntries(Fields &top, const char *key, Read read)
+    {
+        int index = 0;
+        for (const Json &entry : top.array(key)) {
+            Fields fields(entry, top.in(key).at(index++));
+            read(fields);
+            fields.refuseOthers();
+        }
+    }
 
-    void readEntries(FieldReader &top, const QString &key, EntryReader readEntry);
-    void readConfig(FieldReader &fields) { readItem(fields, ItemKind::Config); }
-    void readResult(FieldReader &fields) { readItem(fields, ItemKind::Result); }
-    void readItem(FieldReader &fields, ItemKind kind);
-    void readAction(FieldReader &fields);
-    int readDriven(FieldReader &fields) const;
-    static QVector<ActionEnd> readEnds(FieldReader &fields, const QString &id);
-    static ActionEnd readEnd(FieldReader &fields);
-    static QVariant readData(FieldReader &fields);
-    static QStringList readNames(FieldReader &top, const QString &key,
-                                 const QRegularExpression &form, const QString &formInWords);
-    QString readId(FieldReader &fields);
+    QString readId(Fields &fields)
+    {
+        const QString id = fields.name("id");
+        if (indexes.contains(id)) {
+            throw fields.refusal("id", QStringLiteral("%1 is there already").arg(quoted(id)));
+        }
+        indexes.insert(id, -1);
+        return id;
+    }
 
-    Catalog catalog;
-    QSet<QString> ids;
+    void readItem(Fields &fields, ItemKind kind)
+    {
+        Item item;
+        item.id = readId(fields);
+        item.kind = kind;
+        const QString typeText = fields.name("type");
+        const auto type = typeNamed(typeText);
+        if (!type) {
+            throw fields.refusal("type",
+                                 QStringLiteral("%1 is not a type; types are %2")
+                                     .arg(quoted(typeText), typeNames()));
+        }
+        item.type = *type;
+        item.value = fields.value(item.type, "value");
+        item.status = fields.integer("status", std::numeric_limits<int>::min(),
+                                     std::numeric_limits<int>::max(), 0);
+        indexes[item.id] = catalog.items.size();
+        catalog.items.append(item);
+    }
+
+    void readAction(Fields &fields)
+    {
+        Action action;
+        action.id = readId(fields);
+        action.reply =
+            fields.find("reply") == nullptr ? QStringLiteral("started") : fields.text("reply");
+        action.duration = fields.integer("duration", 0, longestDuration, 0);
+        if (fields.find("drive") != nullptr) {
+            const QString id = fields.name("drive");
+            action.drivenItem = indexes.value(id, -1);
+            if (action.drivenItem < 0 || !isDriven(catalog.items.at(action.drivenItem))) {
+                throw fields.refusal(
+                    "drive",
+                    QStringLiteral("%1 is not a result with a single number").arg(quoted(id)));
+            }
+        }
+        if (fields.find("ends") == nullptr) {
+            action.ends.append({ QStringLiteral("SigTestComplete"), { action.id } });
+        } else {
+            readEntries(fields, "ends",
+                        [&action](Fields &end) { action.ends.append(readSignal(end)); });
+        }
+        catalog.actions.append(action);
+    }
+
+    static bool isDriven(const Item &item)
+    {
+        return item.kind == ItemKind::Result && isNumber(item.type);
+    }
+
+    static Signal readSignal(Fields &fields)
+    {
+        static const QString withData = QStringLiteral("SigTestCompleteWithData");
+        static const QStringList members {
+            QStringLiteral("SigAlarm"),
+            QStringLiteral("SigError"),
+            QStringLiteral("SigInfo"),
+            QStringLiteral("SigTestComplete"),
+            withData,
+            QStringLiteral("SigUpdate"),
+        };
+        Signal signal { fields.name("signal"), {} };
+        if (!members.contains(signal.member)) {
+            throw fields.refusal(
+                "signal",
+                QStringLiteral("%1 is not a signal to send; signals are %2")
+                    .arg(quoted(signal.member), members.join(QLatin1String(", "))));
+        }
+        signal.arguments.append(fields.text("message"));
+        if (signal.member == withData) {
+            const QString typeText = fields.name("type");
+            const auto type = typeNamed(typeText);
+            if (type != ValueType::DoubleArray && type != ValueType::Uint32Array) {
+                throw fields.refusal(
+                    "type",
+                    QStringLiteral("%1 is neither double[] nor uint32[]").arg(quoted(typeText)));
+            }
+            signal.arguments.append(fields.value(*type, "data"));
+        }
+        return signal;
+    }
+
+    static QStringList readNames(Fields &top, const char *key, const QRegularExpression &form,
+                                 const char *formInWords)
+    {
+        QStringList names;
+        QSet<QString> known;
+        for (const Json &entry : top.array(key)) {
+            const Place place = top.in(key).at(names.size());
+            const QString name =
+                entry.is_string() ? QString::fromStdString(entry.get<std::string>()) : QString();
+            if (!form.match(name).hasMatch()) {
+                throw place.refusal(QStringLiteral("is not %1").arg(QLatin1String(formInWords)));
+            }
+            if (known.contains(name)) {
+                throw place.refusal(QStringLiteral("%1 is there already").arg(quoted(name)));
+            }
+            known.insert(name);
+            names.append(name);
+        }
+        return names;
+    }
+
+    Catalog &catalog;
+    QHash<QString, int> indexes; ///< of every identifier: its item's place, or -1
 };
-
-CatalogText CatalogReader::read(const QByteArray &text)
-{
-    const JsonText json = parseJson(text);
-    if (!json.problem.isEmpty()) {
-        return { {}, json.problem };
-    }
-    FieldReader top(json.object, {});
-    readEntries(top, QStringLiteral("configs"), &CatalogReader::readConfig);
-    readEntries(top, QStringLiteral("results"), &CatalogReader::readResult);
-    readEntries(top, QStringLiteral("actions"), &CatalogReader::readAction);
-    // LogGetIds joins the names by blanks, and the debug log's commands separate them by commas.
-    catalog.logs = readNames(top, QStringLiteral("logs"),
-                             QRegularExpression(QStringLiteral("\\A[^\\s[:cntrl:]:]+\\z")),
-                             QStringLiteral("a name without blanks and colons"));
-    catalog.debugLogs =
-        readNames(top, QStringLiteral("debugLogs"),
-                  QRegularExpression(QStringLiteral("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z")),
-                  QStringLiteral("LOG_ and a name in upper case"));
-    top.refuseOthers();
-    return { catalog, top.problem() };
-}
-
-void CatalogReader::readEntries(FieldReader &top, const QString &key, EntryReader readEntry)
-{
-    const QJsonArray entries = top.array(key);
-    for (int index = 0; index < entries.size() && top.problem().isEmpty(); ++index) {
-        FieldReader fields(entries.at(index), indexed(key, index));
-        (this->*readEntry)(fields);
-        fields.refuseOthers();
-        top.refuseAt(fields.problem());
-    }
-}
-
-QString CatalogReader::readId(FieldReader &fields)
-{
-    const QString key = QStringLiteral("id");
-    QString id = fields.name(key);
-    if (ids.contains(id)) {
-        fields.refuse(key, QStringLiteral("%1 is there already").arg(quoted(id)));
-    }
-    ids.insert(id);
-    return id;
-}
-
-void CatalogReader::readItem(FieldReader &fields, ItemKind kind)
-{
-    const QString id = readId(fields);
-    const QString typeText = fields.name(QStringLiteral("type"));
-    const auto type = typeNamed(typeText);
-    if (!type) {
-        fields.refuse(QStringLiteral("type"),
-                      QStringLiteral("%1 is not a type").arg(quoted(typeText)));
-        return;
-    }
-    const QString key = QStringLiteral("value");
-    const Conversion conversion = valueFromJson(*type, fields.any(key));
-    if (!conversion.problem.isEmpty()) {
-        fields.refuse(conversion.element < 0 ? key : indexed(key, conversion.element),
-                      conversion.problem);
-    }
-    const int status = fields.integer(QStringLiteral("status"), std::numeric_limits<int>::min(),
-                                      std::numeric_limits<int>::max(), 0);
-    catalog.items.append({ id, kind, *type, conversion.value, status });
-}
-
-void CatalogReader::readAction(FieldReader &fields)
-{
-    Action action;
-    action.id = readId(fields);
-    const QString replyKey = QStringLiteral("reply");
-    action.reply = fields.has(replyKey) ? fields.string(replyKey) : QStringLiteral("started");
-    action.duration = fields.integer(QStringLiteral("duration"), 0, longestDuration, 0);
-    action.drivenItem = readDriven(fields);
-    action.ends = readEnds(fields, action.id);
-    catalog.actions.append(action);
-}
-
-int CatalogReader::readDriven(FieldReader &fields) const
-{
-    const QString key = QStringLiteral("drive");
-    if (!fields.has(key)) {
-        return -1;
-    }
-    const QString id = fields.name(key);
-    for (int index = 0; index < catalog.items.size(); ++index) {
-        const Item &item = catalog.items.at(index);
-        if (item.id == id && item.kind == ItemKind::Result && isNumber(item.type)) {
-            return index;
-        }
-    }
-    fields.refuse(key, QStringLiteral("%1 is not a result with a single number").arg(quoted(id)));
-    return -1;
-}
-
-QVector<ActionEnd> CatalogReader::readEnds(FieldReader &fields, const QString &id)
-{
-    const QString key = QStringLiteral("ends");
-    if (!fields.has(key)) {
-        return { { QStringLiteral("SigTestComplete"), id, {} } };
-    }
-    QVector<ActionEnd> ends;
-    const QJsonArray entries = fields.array(key);
-    for (int index = 0; index < entries.size() && fields.problem().isEmpty(); ++index) {
-        FieldReader end(entries.at(index), indexed(fields.pathOf(key), index));
-        ends.append(readEnd(end));
-        end.refuseOthers();
-        fields.refuseAt(end.problem());
-    }
-    return ends;
-}
-
-ActionEnd CatalogReader::readEnd(FieldReader &fields)
-{
-    static const QString withData = QStringLiteral("SigTestCompleteWithData");
-    static const QStringList members {
-        QStringLiteral("SigAlarm"),        QStringLiteral("SigError"),  QStringLiteral("SigInfo"),
-        QStringLiteral("SigTestComplete"), QStringLiteral("SigUpdate"), withData,
-    };
-    const QString key = QStringLiteral("signal");
-    ActionEnd end;
-    end.member = fields.name(key);
-    if (!members.contains(end.member)) {
-        fields.refuse(
-            key, QStringLiteral("%1 is not a signal that ends an action").arg(quoted(end.member)));
-    }
-    end.message = fields.string(QStringLiteral("message"));
-    if (end.member == withData) {
-        end.data = readData(fields);
-    }
-    return end;
-}
-
-QVariant CatalogReader::readData(FieldReader &fields)
-{
-    const QString typeText = fields.name(QStringLiteral("type"));
-    const auto type = typeNamed(typeText);
-    if (type != ValueType::DoubleArray && type != ValueType::Uint32Array) {
-        fields.refuse(QStringLiteral("type"),
-                      QStringLiteral("%1 is neither double[] nor uint32[]").arg(quoted(typeText)));
-        return {};
-    }
-    const QString key = QStringLiteral("data");
-    const Conversion conversion = valueFromJson(*type, fields.any(key));
-    if (!conversion.problem.isEmpty()) {
-        fields.refuse(conversion.element < 0 ? key : indexed(key, conversion.element),
-                      conversion.problem);
-    }
-    return conversion.value;
-}
-
-QStringList CatalogReader::readNames(FieldReader &top, const QString &key,
-                                     const QRegularExpression &form, const QString &formInWords)
-{
-    QStringList names;
-    const QJsonArray entries = top.array(key);
-    for (int index = 0; index < entries.size(); ++index) {
-        const QString name = entries.at(index).toString();
-        if (!form.match(name).hasMatch()) {
-            top.refuse(indexed(key, index), QStringLiteral("is not %1").arg(formInWords));
-        } else if (names.contains(name)) {
-            top.refuse(indexed(key, index),
-                       QStringLiteral("%1 is there already").arg(quoted(name)));
-        }
-        names.append(name);
-    }
-    return names;
-}
 
 } // namespace
 
-CatalogText readCatalog(const QByteArray &text)
+Catalog readCatalog(const QByteArray &text, const QString &intro)
 {
-    return CatalogReader().read(text);
+    const Place place { QStringLiteral("Catalog"), intro, {}, {}, {} };
+    const Json json = parseJson(text, place);
+    Fields top(json, place);
+    Catalog catalog;
+    CatalogReader(catalog).read(top);
+    return catalog;
+}
+
+Catalog loadCatalog(const QString &fileName)
+{
+    if (fileName.isEmpty()) {
+        return readCatalog(builtIn(QStringLiteral("catalog.json")));
+    }
+    const QString intro = QStringLiteral("the catalogue %1 is no good: ").arg(quoted(fileName));
+    QFile file(fileName);
+    const QByteArray bytes =
+        file.open(QIODevice::ReadOnly) ? file.read(StateFiles::mostBytes + 1) : QByteArray();
+    if (file.error() != QFileDevice::NoError) {
+        throw Refusal { QStringLiteral("Catalog"), intro + file.errorString(), {} };
+    }
+    if (bytes.size() > StateFiles::mostBytes) {
+        throw Refusal { QStringLiteral("Catalog"),
+                        intro + QLatin1String("is larger than 16 MiB"),
+                        {} };
+    }
+    return readCatalog(bytes, intro);
+}
+
+QByteArray builtIn(const QString &name)
+{
+    nameResources();
+    QFile file(QLatin1String(":/movra-sim/") + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray writeConfigs(const Items &items)
+{
+    constexpr int indentation = 4;
+    Json configs = Json::object();
+    for (int index = 0; index < items.count(); ++index) {
+        const Item &item = items.at(index);
+        if (item.kind == ItemKind::Config) {
+            configs[item.id.toStdString()] = valueToJson(item.type, item.value);
+        }
+    }
+    const Json saved { { "format", 1 }, { "configs", std::move(configs) } };
+    return QByteArray::fromStdString(saved.dump(indentation)) + '\n';
+}
+
+QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const QString &intro,
+                                const QString &after)
+{
+    const Place place { QStringLiteral("File"), intro, {}, after, {} };
+    const Json json = parseJson(text, place);
+    Fields top(json, place);
+    if (top.need("format") != Json(1)) {
+        throw top.refusal("format", QStringLiteral("is not 1"));
+    }
+    const Json &configs = top.need("configs");
+    if (!configs.is_object()) {
+        throw top.refusal("configs", QStringLiteral("is %1, not an object").arg(jsonKind(configs)));
+    }
+    top.refuseOthers();
+
+    QVector<Assignment> assignments;
+    for (auto field = configs.begin(); field != configs.end(); ++field) {
+        const QString id = QString::fromStdString(field.key());
+        const Place at = place.in(QStringLiteral("configs[%1]").arg(quoted(id)));
+        const int index = items.indexOf(id);
+        if (index < 0 || items.at(index).kind != ItemKind::Config) {
+            throw at.refusal(QStringLiteral("is not a config here"));
+        }
+        assignments.append({ index, valueFromJson(items.at(index).type, *field, at) });
+    }
+    return assignments;
 }

@@ -1,30 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The catalogue: what the simulated service has when it starts, read from a JSON text.
+// The catalogue: what the simulated service has when it starts; and saved configurations. Both are
+// JSON texts, in which everything that is not understood is refused.
 #pragma once
 
+#include "sim/actions.h"
 #include "sim/items.h"
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
-#include <QVariant>
 #include <QVector>
-
-/// A signal that an action ends with.
-struct ActionEnd {
-    QString member;
-    QString message;
-    QVariant data; ///< only SigTestCompleteWithData has any: the array as the bus carries it
-};
-
-/// One action.
-struct Action {
-    QString id;
-    QString reply; ///< to a call with a value; the first `%1` stands for the value
-    int duration = 0; ///< in milliseconds
-    int drivenItem = -1; ///< the result that goes from 0 to 100 meanwhile; -1: none
-    QVector<ActionEnd> ends;
-};
 
 /// Everything that a catalogue says.
 struct Catalog {
@@ -34,11 +19,15 @@ struct Catalog {
     QStringList debugLogs;
 };
 
-/// A catalogue, or what is wrong with its text.
-struct CatalogText {
-    Catalog catalog;
-    QString problem; ///< empty when the catalogue is good
-};
+/// Reads a catalogue; `intro` begins the sentence of a refusal.
+Catalog readCatalog(const QByteArray &text, const QString &intro = {});
+/// Reads the catalogue in a file; an empty name means the built-in one.
+Catalog loadCatalog(const QString &fileName);
+/// A file that is built into the program: `catalog.json` or `varn.pim.xml`.
+QByteArray builtIn(const QString &name);
 
-/// Reads a catalogue; anything that is not understood is refused.
-CatalogText readCatalog(const QByteArray &text);
+/// The text that readConfigs() reads back without loss.
+QByteArray writeConfigs(const Items &items);
+/// The values in a saved text; `intro` and `after` surround the sentence of a refusal.
+QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const QString &intro,
+                                const QString &after);

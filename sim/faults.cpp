@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "sim/faults.h"
 
-#include "sim/element.h"
-#include "sim/resources.h"
-#include "sim/text.h"
-
-#include <QByteArray>
-#include <QLatin1String>
+#include "sim/service.h"
+#include "sim/value.h"
 
 #include <algorithm>
 #include <iterator>
@@ -34,28 +30,26 @@ constexpr KindRow kinds[] = {
 
 const QString everyMember = QStringLiteral("*");
 
-bool isMember(const QString &name)
-{
-    return interfaceXml().contains("<method name=\"" + name.toUtf8() + '"');
-}
-
 } // namespace
 
-FaultText readFault(const QString &text)
+Fault readFault(const QString &text)
 {
     const auto wrong = [&text](const QString &reason) {
-        return FaultText {
-            {}, QStringLiteral("The fault %1 is no good: %2.").arg(quoted(text), reason)
+        return Refusal {
+            QStringLiteral("Usage"),
+            QStringLiteral("The fault %1 is no good: %2. See movra-sim --help.")
+                .arg(quoted(text), reason),
+            {},
         };
     };
     const int equals = text.indexOf(QLatin1Char('='));
     if (equals < 0) {
-        return wrong(QStringLiteral("it is not of the form MEMBER=FAULT"));
+        throw wrong(QStringLiteral("it is not of the form MEMBER=FAULT"));
     }
     Fault fault;
     fault.member = text.left(equals);
-    if (fault.member != everyMember && !isMember(fault.member)) {
-        return wrong(QStringLiteral("the interface has no member %1").arg(quoted(fault.member)));
+    if (fault.member != everyMember && !Service::hasMember(fault.member)) {
+        throw wrong(QStringLiteral("the interface has no member %1").arg(quoted(fault.member)));
     }
     const QString what = text.mid(equals + 1);
     const QString word = what.section(QLatin1Char(':'), 0, 0);
@@ -64,22 +58,23 @@ FaultText readFault(const QString &text)
     const auto *row =
         std::find_if(std::begin(kinds), std::end(kinds),
                      [&word](const KindRow &each) { return word == QLatin1String(each.word); });
-    const bool isKnown = row != std::end(kinds);
-    if (!isKnown || (row->value == Value::None && hasValue)
+    if (row == std::end(kinds) || (row->value == Value::None && hasValue)
         || (row->value == Value::Required && !hasValue)) {
-        return wrong(
+        throw wrong(
             QStringLiteral("%1 is not delay:MS, refuse, refuse:TEXT, wrong-type, vanish or silence")
                 .arg(quoted(what)));
     }
     fault.kind = row->kind;
     fault.text = value.isEmpty() ? QStringLiteral("This call is refused on demand.") : value;
-    if (fault.kind == Fault::Kind::Delay
-        && (!element::parse(value, {}, fault.delay).isEmpty() || fault.delay < 0
-            || fault.delay > longestDelay)) {
-        return wrong(QStringLiteral("%1 is not in 0 to %2 milliseconds")
-                         .arg(quoted(value), QString::number(longestDelay)));
+    if (fault.kind == Fault::Kind::Delay) {
+        bool isNumber = false;
+        fault.delay = value.toInt(&isNumber);
+        if (!isNumber || fault.delay < 0 || fault.delay > longestDelay) {
+            throw wrong(QStringLiteral("%1 is not in 0 to %2 milliseconds")
+                            .arg(quoted(value), QString::number(longestDelay)));
+        }
     }
-    return { fault, {} };
+    return fault;
 }
 
 const Fault *faultOf(const QVector<Fault> &faults, const QString &member)

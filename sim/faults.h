@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bad days on demand: what the calls of a member meet with instead of a prompt answer.
+// Fault injection: what the calls of a member meet with instead of a prompt answer.
 #pragma once
 
 #include <QString>
@@ -14,14 +14,8 @@ struct Fault {
     QString text; ///< the sentence of the error; only Kind::Refuse has any
 };
 
-/// A fault, or what is wrong with its text.
-struct FaultText {
-    Fault fault;
-    QString problem; ///< empty when the fault is good
-};
-
 /// Reads a fault such as `GetValue=delay:500`.
-FaultText readFault(const QString &text);
+Fault readFault(const QString &text);
 
 /// What calls of the member meet with, the last one given if there are several; null: nothing.
 const Fault *faultOf(const QVector<Fault> &faults, const QString &member);

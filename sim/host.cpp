@@ -1,138 +1,131 @@
 // SPDX-License-Identifier: MIT
 #include "sim/host.h"
 
-#include "bus/connection.h"
 #include "sim/catalog.h"
-#include "sim/quitsignals.h"
-#include "sim/resources.h"
 #include "sim/service.h"
-#include "sim/statefiles.h"
-#include "sim/text.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
+#include <QSocketNotifier>
 
-#include <utility>
+#include <array>
+#include <cerrno>
+#include <csignal>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace
 {
 
-CatalogText loadCatalog(const QString &fileName)
+// A signal handler may do next to nothing, so it writes one byte for the event loop to find.
+std::array<int, 2> wakePipe { -1, -1 };
+
+void wake(int signalNumber)
 {
-    if (fileName.isEmpty()) {
-        return readCatalog(builtInCatalog());
-    }
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return { {}, file.errorString() };
-    }
-    const QByteArray bytes = file.read(StateFiles::mostBytes + 1);
-    if (file.error() != QFileDevice::NoError) {
-        return { {}, file.errorString() };
-    }
-    if (bytes.size() > StateFiles::mostBytes) {
-        return { {}, QStringLiteral("is larger than 16 MiB") };
-    }
-    return readCatalog(bytes);
+    const int savedError = errno;
+    const char byte = static_cast<char>(signalNumber);
+    // When the pipe is full, the event loop has enough to find.
+    [[maybe_unused]] const ssize_t written = ::write(wakePipe[1], &byte, sizeof byte);
+    errno = savedError;
 }
 
-/// Why the name cannot be owned, or nothing once it is.
-QString ownName(const QDBusConnection &bus, const QString &name)
+/// Turns a signal into a byte of the pipe.
+void catchSignal(int number)
+{
+    struct sigaction action {
+    };
+    action.sa_handler = &wake;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(number, &action, nullptr);
+}
+
+Refusal refusal(const char *name, const QString &sentence)
+{
+    return { QString::fromLatin1(name), sentence, {} };
+}
+
+void ownName(const QDBusConnection &bus, const QString &name)
 {
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
         bus.interface()->registerService(name);
-    if (!reply.isValid()) {
-        return reply.error().message();
+    if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
+        return;
     }
-    return reply.value() == QDBusConnectionInterface::ServiceRegistered
-        ? QString()
-        : QStringLiteral("somebody else owns it");
+    const QString reason =
+        reply.isValid() ? QStringLiteral("somebody else owns it") : reply.error().message();
+    throw refusal(bus.isConnected() ? "Name" : "Bus",
+                  QStringLiteral("the bus name %1 cannot be owned: %2").arg(quoted(name), reason));
 }
 
 } // namespace
 
-Host::Host(Options hostOptions, QObject *parent)
-    : QObject(parent)
-    , options(std::move(hostOptions))
-{
-}
-
-Ending Host::serve(void (*announceReady)())
+void Host::serve(const Options &options, void (*announceReady)())
 {
     static const QRegularExpression objectPath(QStringLiteral("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"));
     if (!objectPath.match(options.path).hasMatch()) {
-        return { ExitStatus::BadPath,
-                 QStringLiteral("%1 is not an object path").arg(quoted(options.path)) };
+        throw refusal("Path", QStringLiteral("%1 is not an object path").arg(quoted(options.path)));
     }
-    const CatalogText text = loadCatalog(options.catalogFile);
-    if (!text.problem.isEmpty()) {
-        return { ExitStatus::BadCatalog,
-                 QStringLiteral("the catalogue %1 is no good: %2")
-                     .arg(quoted(options.catalogFile), text.problem) };
-    }
-    const StateFiles files(options.stateDirectory
-                               ? QDir::current().absoluteFilePath(*options.stateDirectory)
-                               : StateFiles::defaultDirectory());
+    const Catalog catalog = loadCatalog(options.catalogFile);
+    StateFiles files(options.stateDirectory
+                         ? QDir::current().absoluteFilePath(*options.stateDirectory)
+                         : StateFiles::defaultDirectory());
     if (options.stateDirectory) {
-        const QString reason = options.stateDirectory->isEmpty()
-            ? QStringLiteral("its name is empty")
-            : files.prepare();
-        if (!reason.isEmpty()) {
-            return { ExitStatus::BadState,
-                     QStringLiteral("the state directory cannot be used: %1").arg(reason) };
+        const Place place { QStringLiteral("State"),
+                            {},
+                            QStringLiteral("the state directory cannot be used"),
+                            {},
+                            {} };
+        if (options.stateDirectory->isEmpty()) {
+            throw place.refusal(QStringLiteral("its name is empty"));
         }
+        files.prepare(place);
     }
-    return serveOnBus(text.catalog, files, announceReady);
-}
 
-Ending Host::serveOnBus(const Catalog &catalog, const StateFiles &files, void (*announceReady)())
-{
-    QDBusConnection bus = openSessionBus(
-        { STDERR_FILENO, "movra-sim: there is no session bus: Not connected to D-Bus server\n",
-          static_cast<int>(ExitStatus::NoBus) });
+    QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
-        return { ExitStatus::NoBus,
-                 QStringLiteral("there is no session bus: %1").arg(bus.lastError().message()) };
+        throw refusal("Bus",
+                      QStringLiteral("there is no session bus: %1").arg(bus.lastError().message()));
     }
     bus.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                 SLOT(busLost()));
-
-    const Announcer announcer(bus, options.path);
+    Announcer announcer(bus, options.path);
     Service service(catalog, files, announcer, options.faults);
     bus.registerVirtualObject(options.path, &service);
-    const QuitSignals quitSignals;
     constexpr int withoutAWord = 1;
     connect(&service, &Service::vanished, this, [] { QCoreApplication::exit(withoutAWord); });
-    connect(&quitSignals, &QuitSignals::received, this, &QCoreApplication::quit);
-    const QString problem = ownName(bus, options.service);
-    outliveBus(); // busLost() sees to that from now on
-    if (!problem.isEmpty()) {
-        return { bus.isConnected() ? ExitStatus::NoName : ExitStatus::NoBus,
-                 QStringLiteral("the bus name %1 cannot be owned: %2")
-                     .arg(quoted(options.service), problem) };
+
+    if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+        throw refusal("Bus", qt_error_string(errno));
     }
+    QSocketNotifier notifier(wakePipe[0], QSocketNotifier::Read);
+    connect(&notifier, &QSocketNotifier::activated, this, &QCoreApplication::quit);
+    for (const int number : { SIGINT, SIGTERM }) {
+        catchSignal(number);
+    }
+
+    ownName(bus, options.service);
     announceReady();
     if (QCoreApplication::exec() != withoutAWord) {
-        announcer.send(QStringLiteral("SigDBusServerClosing"),
-                       { QStringLiteral("movra-sim is closing") });
+        announcer.send(
+            { QStringLiteral("SigDBusServerClosing"), { QStringLiteral("movra-sim is closing") } });
     }
     // The answer of the bus to this call shows that all that was sent before it has arrived as
     // well.
     bus.unregisterService(options.service);
     bus.unregisterObject(options.path);
-    return ending;
+    if (!hasBus) {
+        throw refusal("Bus", QStringLiteral("the session bus went away"));
+    }
 }
 
 void Host::busLost()
 {
-    ending = { ExitStatus::NoBus, QStringLiteral("the session bus went away") };
+    hasBus = false;
     QCoreApplication::quit();
 }

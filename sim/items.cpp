@@ -3,12 +3,15 @@
 
 #include <utility>
 
-Items::Items(QVector<Item> catalogue, QObject *parent)
-    : QObject(parent)
-    , all(std::move(catalogue))
+Items::Items(QVector<Item> catalogue, Announcer &announcerOfUpdates)
+    : all(std::move(catalogue))
+    , announcer(announcerOfUpdates)
 {
     for (int index = 0; index < all.size(); ++index) {
         indexes.insert(all.at(index).id, index);
+    }
+    for (const ItemKind kind : { ItemKind::Config, ItemKind::Result }) {
+        connect(&of(kind).timer, &QTimer::timeout, this, [this, kind] { announce(kind); });
     }
 }
 
@@ -25,15 +28,75 @@ QStringList Items::ids(ItemKind kind) const
 
 void Items::assign(const QVector<Assignment> &assignments)
 {
-    QVector<int> changedIndexes;
     for (const Assignment &assignment : assignments) {
         Item &item = all[assignment.index];
-        if (!sameValue(item.type, item.value, assignment.value)) {
-            changedIndexes.append(assignment.index);
+        if (listed.contains(assignment.index)
+            && !sameValue(item.type, item.value, assignment.value)) {
+            of(item.kind).pending.insert(assignment.index, true);
         }
         item.value = assignment.value;
     }
-    if (!changedIndexes.isEmpty()) {
-        Q_EMIT changed(changedIndexes);
+    for (const ItemKind kind : { ItemKind::Config, ItemKind::Result }) {
+        if (of(kind).started && of(kind).pace == 0) {
+            announce(kind);
+        }
+    }
+}
+
+void Items::ignore(int index)
+{
+    listed.remove(index);
+    of(at(index).kind).pending.remove(index);
+}
+
+void Items::ignoreAll(ItemKind kind)
+{
+    of(kind).pending.clear();
+    for (auto index = listed.begin(); index != listed.end();) {
+        index = at(*index).kind == kind ? listed.erase(index) : std::next(index);
+    }
+}
+
+void Items::start(ItemKind kind)
+{
+    // A second start must not put the next tick off.
+    if (!of(kind).started) {
+        of(kind).started = true;
+        run(kind);
+    }
+}
+
+void Items::stop(ItemKind kind)
+{
+    of(kind).started = false;
+    of(kind).timer.stop();
+}
+
+void Items::setPace(ItemKind kind, int milliseconds)
+{
+    of(kind).pace = milliseconds;
+    if (of(kind).started) {
+        run(kind);
+    }
+}
+
+void Items::run(ItemKind kind)
+{
+    Schedule &schedule = of(kind);
+    if (schedule.pace == 0) {
+        schedule.timer.stop();
+        announce(kind);
+    } else {
+        schedule.timer.start(schedule.pace);
+    }
+}
+
+void Items::announce(ItemKind kind)
+{
+    const auto changed = std::exchange(of(kind).pending, {});
+    for (auto each = changed.keyBegin(); each != changed.keyEnd(); ++each) {
+        const Item &item = at(*each);
+        announcer.send({ QStringLiteral("SigUpdate"),
+                         { item.id + QLatin1Char('=') + valueToText(item.type, item.value) } });
     }
 }

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
-// The configs and results as they are at the moment.
+// The configs and results as they are at the moment, and the list of those whose changes are
+// announced.
 #pragma once
 
+#include "sim/log.h"
 #include "sim/value.h"
 
 #include <QHash>
+#include <QMap>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <QVariant>
 #include <QVector>
 
@@ -20,7 +25,7 @@ struct Item {
     ItemKind kind = ItemKind::Config;
     ValueType type = ValueType::String;
     QVariant value; ///< as the bus carries it
-    int status = 0; ///< as the catalogue has it
+    int status = 0;
 };
 
 /// A value on its way into an item.
@@ -29,13 +34,14 @@ struct Assignment {
     QVariant value; ///< of the item's type
 };
 
-/// All items; an item's index is its place in the catalogue, configs before results.
+/// All items; an item's index is its place in the catalogue, configs before results. The notify
+/// list is one list for configs and results; each kind is started, stopped and paced by itself.
 class Items : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit Items(QVector<Item> catalogue, QObject *parent = nullptr);
+    Items(QVector<Item> catalogue, Announcer &announcerOfUpdates);
 
     int count() const { return all.size(); }
     const Item &at(int index) const { return all.at(index); }
@@ -46,11 +52,35 @@ public:
     /// Puts values in place, one after the other.
     void assign(const QVector<Assignment> &assignments);
 
-Q_SIGNALS:
-    /// Once for each assign() that made a difference, with the items concerned.
-    void changed(const QVector<int> &changedIndexes);
+    /// Puts an item on the notify list; changes count from now on.
+    void listen(int index) { listed.insert(index); }
+    /// Takes an item off the list, with the change that was waiting to be announced.
+    void ignore(int index);
+    /// Takes all items of a kind off the list.
+    void ignoreAll(ItemKind kind);
+    /// From now on each tick announces what has changed.
+    void start(ItemKind kind);
+    /// Changes are still kept in mind until the next start.
+    void stop(ItemKind kind);
+    /// The time between two ticks; 0: each change is announced at once.
+    void setPace(ItemKind kind, int milliseconds);
 
 private:
+    struct Schedule {
+        QTimer timer;
+        int pace = 1000;
+        bool started = false;
+        QMap<int, bool> pending; ///< the indexes of changed items, in catalogue order
+    };
+
+    Schedule &of(ItemKind kind) { return kind == ItemKind::Config ? configs : results; }
+    void run(ItemKind kind);
+    void announce(ItemKind kind);
+
     QVector<Item> all;
     QHash<QString, int> indexes;
+    Announcer &announcer;
+    QSet<int> listed;
+    Schedule configs;
+    Schedule results;
 };

@@ -10,16 +10,28 @@
 namespace
 {
 
+constexpr struct {
+    const char *refusal;
+    int status;
+} statuses[] = { { "Usage", 1 }, { "Catalog", 2 }, { "Bus", 3 },
+                 { "Name", 4 },  { "Path", 5 },    { "State", 6 } };
+
 void print(std::FILE *stream, const QString &text)
 {
     std::fputs(text.toLocal8Bit().constData(), stream);
     std::fflush(stream);
 }
 
-int fail(ExitStatus status, const QString &sentence)
+void run(const Options &options)
 {
-    print(stderr, QStringLiteral("movra-sim: %1\n").arg(sentence));
-    return static_cast<int>(status);
+    switch (options.task) {
+    case Options::Task::Help:
+        return print(stdout, helpText());
+    case Options::Task::Version:
+        return print(stdout, versionText());
+    case Options::Task::Serve:
+        return Host().serve(options, [] { print(stdout, QStringLiteral("ready\n")); });
+    }
 }
 
 } // namespace
@@ -27,16 +39,16 @@ int fail(ExitStatus status, const QString &sentence)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const Options options = parseOptions(QCoreApplication::arguments());
-    if (!options.problem.isEmpty()) {
-        return fail(ExitStatus::WrongUsage,
-                    options.problem + QStringLiteral(" See movra-sim --help."));
+    try {
+        run(parseOptions(QCoreApplication::arguments()));
+        return 0;
+    } catch (const Refusal &refusal) {
+        print(stderr, QStringLiteral("movra-sim: %1\n").arg(refusal.sentence));
+        for (const auto &each : statuses) {
+            if (refusal.name == QLatin1String(each.refusal)) {
+                return each.status;
+            }
+        }
+        return 1;
     }
-    if (options.task != Options::Task::Serve) {
-        print(stdout, options.task == Options::Task::Help ? helpText() : versionText());
-        return static_cast<int>(ExitStatus::Closed);
-    }
-    const Ending ending = Host(options).serve([] { print(stdout, QStringLiteral("ready\n")); });
-    return ending.sentence.isEmpty() ? static_cast<int>(ending.status)
-                                     : fail(ending.status, ending.sentence);
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sim/options.h"
 
-#include "sim/text.h"
-
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 
@@ -20,27 +18,24 @@ Options parseOptions(const QStringList &arguments)
     QCommandLineParser parser;
     parser.addOptions({ service, path, catalog, state, fault, help, version });
 
-    Options options;
+    const auto wrong = [](const QString &sentence) {
+        return Refusal { QStringLiteral("Usage"),
+                         sentence + QStringLiteral(" See movra-sim --help."),
+                         {} };
+    };
     if (!parser.parse(arguments)) {
-        options.problem = parser.errorText();
-        return options;
+        throw wrong(parser.errorText());
     }
     if (!parser.positionalArguments().isEmpty()) {
-        options.problem = QStringLiteral("%1 is one argument too many.")
-                              .arg(quoted(parser.positionalArguments().first()));
-        return options;
+        throw wrong(QStringLiteral("%1 is one argument too many.")
+                        .arg(quoted(parser.positionalArguments().first())));
     }
     if (parser.isSet(catalog) && parser.value(catalog).isEmpty()) {
-        options.problem = QStringLiteral("The name of the catalogue is empty.");
-        return options;
+        throw wrong(QStringLiteral("The name of the catalogue is empty."));
     }
+    Options options;
     for (const QString &text : parser.values(fault)) {
-        const FaultText read = readFault(text);
-        if (!read.problem.isEmpty()) {
-            options.problem = read.problem;
-            return options;
-        }
-        options.faults.append(read.fault);
+        options.faults.append(readFault(text));
     }
     if (parser.isSet(help)) {
         options.task = Options::Task::Help;

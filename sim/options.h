@@ -2,6 +2,7 @@
 // The command line of the simulator.
 #pragma once
 
+#include "sim/errors.h"
 #include "sim/faults.h"
 
 #include <QString>
@@ -19,10 +20,9 @@ struct Options {
     QString catalogFile; ///< empty: the built-in catalogue
     std::optional<QString> stateDirectory; ///< without one, the default
     QVector<Fault> faults; ///< in the order given
-    QString problem; ///< not empty: the command line is wrong, and why
 };
 
-/// Reads the arguments; the first one is the program's own name.
+/// Reads the arguments, of which the first one is the program's own name; throws a Refusal.
 Options parseOptions(const QStringList &arguments);
 /// What --help prints.
 QString helpText();

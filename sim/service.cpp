@@ -2,124 +2,191 @@
 #include "sim/service.h"
 
 #include "bus/types.h"
-#include "sim/resources.h"
 
+#include <QDBusArgument>
 #include <QDBusError>
-#include <QLatin1String>
+#include <QDBusVariant>
 #include <QTimer>
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
-struct Service::MethodRow {
-    const char *member;
-    const char *signature;
-    Answer (Service::*handler)(const QVariantList &arguments);
-};
-
-const Service::MethodRow Service::methods[] = {
-    { "AddToNotifyList", "as", &Service::addToNotifyList },
-    { "AddToNotifyList", "s", &Service::addToNotifyList },
-    { "ClearConfigNotifyList", "", &Service::clearConfigNotifyList },
-    { "ClearResultNotifyList", "", &Service::clearResultNotifyList },
-    { "DbgLogCmd", "ss", &Service::dbgLogCmd },
-    { "DbgLogGetIds", "", &Service::dbgLogGetIds },
-    { "DBusServerCmd", "sv", &Service::dBusServerCmd },
-    { "DBusServerStatus", "", &Service::dBusServerStatus },
-    { "DeleteFromNotifyList", "as", &Service::deleteFromNotifyList },
-    { "DeleteFromNotifyList", "s", &Service::deleteFromNotifyList },
-    { "DoAction", "ss", &Service::doActionWithValue },
-    { "DoAction", "s", &Service::doAction },
-    { "GetStatus", "as", &Service::getStatuses },
-    { "GetStatus", "s", &Service::getStatus },
-    { "GetValue", "as", &Service::getValues },
-    { "GetValue", "s", &Service::getValue },
-    { "GetValueStatus", "as", &Service::getValueStatuses },
-    { "GetValueStatus", "s", &Service::getValueStatus },
-    { "ListActionIds", "", &Service::listActionIds },
-    { "ListConfigIds", "", &Service::listConfigIds },
-    { "ListResultIds", "", &Service::listResultIds },
-    { "LoadConfig", "s", &Service::loadConfig },
-    { "LogClear", "s", &Service::logClear },
-    { "LogGetIds", "", &Service::logGetIds },
-    { "LogStartNotify", "s", &Service::logStartNotify },
-    { "LogStopNotify", "s", &Service::logStopNotify },
-    { "SaveConfig", "s", &Service::saveConfig },
-    { "SetValue", "a(sv)", &Service::setValues },
-    { "SetValue", "sv", &Service::setValue },
-    { "StartConfigNotify", "", &Service::startConfigNotify },
-    { "StartResultNotify", "", &Service::startResultNotify },
-    { "StopConfigNotify", "", &Service::stopConfigNotify },
-    { "StopResultNotify", "", &Service::stopResultNotify },
-};
-
 namespace
 {
 
-QDBusMessage unknownMethod(const QDBusMessage &message)
+Refusal badValue(const QString &sentence)
 {
-    // Qt would name the whole interface as unknown, which it is not.
-    return message.createErrorReply(
-        QDBusError::UnknownMethod,
-        QStringLiteral("No such method '%1' in interface 'varn.pim' at object path '%2' "
-                       "(signature '%3')")
-            .arg(message.member(), message.path(), message.signature()));
+    return { QStringLiteral("BadValue"), sentence, {} };
 }
 
-void reply(const QDBusConnection &connection, const QDBusMessage &call, const QDBusMessage &answer)
+// What the reading calls show of an item, and how many bytes that takes in a message, at most.
+
+struct ShownStatus {
+    static int of(const Item &item) { return item.status; }
+    static int alone(const Item &item) { return item.status; }
+    static qint64 size(const Item & /*item*/) { return sizeof(int); }
+};
+
+struct ShownValue {
+    static IdValueStruct of(const Item &item) { return { item.id, item.value }; }
+    static QDBusVariant alone(const Item &item) { return QDBusVariant(item.value); }
+    static qint64 size(const Item &item)
+    {
+        constexpr qint64 mostBytesOfFrame = 32;
+        return busSize(item.type, item.value) + busSize(ValueType::String, item.id)
+            + mostBytesOfFrame;
+    }
+};
+
+struct ShownValueStatus {
+    static IdValueStatusStruct of(const Item &item) { return { item.id, item.value, item.status }; }
+    static IdValueStatusStruct alone(const Item &item) { return of(item); }
+    static qint64 size(const Item &item) { return ShownValue::size(item); }
+};
+
+void send(const QDBusConnection &connection, const QDBusMessage &call, const QDBusMessage &reply)
 {
     if (call.isReplyRequired()) {
-        connection.send(answer);
+        connection.send(reply);
     }
 }
 
-void refuse(const QDBusConnection &connection, const QDBusMessage &call, const Refusal &refusal)
+QDBusMessage errorReply(const QDBusMessage &call, const Refusal &refusal)
 {
-    reply(connection, call, call.createErrorReply(refusal.name, refusal.sentence));
+    const QString name = refusal.name.contains(QLatin1Char('.'))
+        ? refusal.name
+        : QLatin1String("varn.pim.Error.") + refusal.name;
+    return call.createErrorReply(name, refusal.sentence);
 }
 
 } // namespace
 
-Service::Service(const Catalog &catalog, const StateFiles &stateFiles,
-                 const Announcer &signalAnnouncer, QVector<Fault> faultsOnDemand, QObject *parent)
-    : QDBusVirtualObject(parent)
+struct Service::Method {
+    const char *member;
+    const char *signature;
+    /// Takes the arguments of a call whose signature fits, and adds the values of the answer.
+    void (*handler)(Service &service, const QVariantList &arguments, QVariantList &answer);
+};
+
+using In = const QVariantList &;
+using Out = QVariantList &;
+
+// One identifier arrives as a list of one wherever a list is expected: QVariant converts it.
+const Service::Method Service::methods[] = {
+    { "AddToNotifyList", "as", [](Service &s, In a, Out) { s.listen(a.at(0).toStringList()); } },
+    { "AddToNotifyList", "s", [](Service &s, In a, Out) { s.listen(a.at(0).toStringList()); } },
+    { "ClearConfigNotifyList", "",
+      [](Service &s, In, Out) { s.items.ignoreAll(ItemKind::Config); } },
+    { "ClearResultNotifyList", "",
+      [](Service &s, In, Out) { s.items.ignoreAll(ItemKind::Result); } },
+    { "DbgLogCmd", "ss",
+      [](Service &s, In a, Out) { s.log.command(a.at(0).toString(), a.at(1).toString()); } },
+    { "DbgLogGetIds", "", [](Service &s, In, Out out) { out = { s.debugLogNames }; } },
+    { "DBusServerCmd", "sv",
+      [](Service &s, In a, Out) {
+          s.serverCommand(a.at(0).toString(), a.at(1).value<QDBusVariant>().variant());
+      } },
+    { "DBusServerStatus", "", [](Service &s, In, Out out) { out = { s.actions.runningCount() }; } },
+    { "DeleteFromNotifyList", "as",
+      [](Service &s, In a, Out) { s.ignore(a.at(0).toStringList()); } },
+    { "DeleteFromNotifyList", "s",
+      [](Service &s, In a, Out) { s.ignore(a.at(0).toStringList()); } },
+    { "DoAction", "ss",
+      [](Service &s, In a, Out out) {
+          const QString value = a.at(1).toString();
+          s.actions.start(a.at(0).toString(), &value);
+          out = { s.actions.replyTo(a.at(0).toString(), value) };
+      } },
+    { "DoAction", "s",
+      [](Service &s, In a, Out) { s.actions.start(a.at(0).toString(), nullptr); } },
+    { "GetStatus", "as", [](Service &s, In a, Out out) { out = s.readAll<ShownStatus>(a); } },
+    { "GetStatus", "s", [](Service &s, In a, Out out) { out = s.readOne<ShownStatus>(a); } },
+    { "GetValue", "as", [](Service &s, In a, Out out) { out = s.readAll<ShownValue>(a); } },
+    { "GetValue", "s", [](Service &s, In a, Out out) { out = s.readOne<ShownValue>(a); } },
+    { "GetValueStatus", "as",
+      [](Service &s, In a, Out out) { out = s.readAll<ShownValueStatus>(a); } },
+    { "GetValueStatus", "s",
+      [](Service &s, In a, Out out) { out = s.readOne<ShownValueStatus>(a); } },
+    { "ListActionIds", "", [](Service &s, In, Out out) { out = { s.actions.ids() }; } },
+    { "ListConfigIds", "",
+      [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Config) }; } },
+    { "ListResultIds", "",
+      [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Result) }; } },
+    { "LoadConfig", "s",
+      [](Service &s, In a, Out out) {
+          s.loadConfig(a.at(0).toString());
+          out = { true };
+      } },
+    { "LogClear", "s", [](Service &s, In a, Out) { s.log.check(a.at(0).toString()); } },
+    { "LogGetIds", "",
+      [](Service &s, In, Out out) { out = { s.logNames.join(QLatin1Char(' ')) }; } },
+    { "LogStartNotify", "s",
+      [](Service &s, In a, Out) { s.log.announce(a.at(0).toString(), true); } },
+    { "LogStopNotify", "s",
+      [](Service &s, In a, Out) { s.log.announce(a.at(0).toString(), false); } },
+    { "SaveConfig", "s",
+      [](Service &s, In a, Out out) {
+          s.saveConfig(a.at(0).toString());
+          out = { true };
+      } },
+    { "SetValue", "a(sv)",
+      [](Service &s, In a, Out) { s.set(qdbus_cast<QList<IdValueStruct>>(a.at(0))); } },
+    { "SetValue", "sv",
+      [](Service &s, In a, Out) {
+          s.set({ { a.at(0).toString(), a.at(1).value<QDBusVariant>().variant() } });
+      } },
+    { "StartConfigNotify", "", [](Service &s, In, Out) { s.items.start(ItemKind::Config); } },
+    { "StartResultNotify", "", [](Service &s, In, Out) { s.items.start(ItemKind::Result); } },
+    { "StopConfigNotify", "", [](Service &s, In, Out) { s.items.stop(ItemKind::Config); } },
+    { "StopResultNotify", "", [](Service &s, In, Out) { s.items.stop(ItemKind::Result); } },
+};
+
+Service::Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
+                 QVector<Fault> faultsOnDemand)
+    : files(stateFiles)
     , announcer(signalAnnouncer)
-    , files(stateFiles)
-    , debugLog(catalog.debugLogs, files, announcer)
-    , journal(catalog.logs, debugLog, announcer)
-    , items(catalog.items)
-    , notifier(items, announcer)
-    , actions(catalog.actions, items, journal, announcer)
+    , logNames(catalog.logs)
+    , debugLogNames(catalog.debugLogs)
+    , log(catalog.logs, catalog.debugLogs, files, announcer)
+    , items(catalog.items, announcer)
+    , actions(catalog.actions, items, log, announcer)
     , faults(std::move(faultsOnDemand))
 {
     registerBusTypes();
-    // Qt puts the document around it, with the interfaces that it answers for itself.
-    const QString document = QString::fromUtf8(interfaceXml());
-    const QString end = QStringLiteral("</interface>\n");
-    const int from = document.indexOf(QLatin1String("  <interface "));
-    interface = document.mid(from, document.indexOf(end) + end.size() - from);
 }
 
-QString Service::introspect(const QString & /*path*/) const
+bool Service::hasMember(const QString &name)
 {
-    return interface;
+    return std::any_of(std::begin(methods), std::end(methods),
+                       [&name](const Method &each) { return name == QLatin1String(each.member); });
 }
 
-const Service::MethodRow *Service::find(const QDBusMessage &message)
+const Service::Method *Service::find(const QDBusMessage &message)
 {
     const auto *row =
-        std::find_if(std::begin(methods), std::end(methods), [&message](const MethodRow &each) {
+        std::find_if(std::begin(methods), std::end(methods), [&message](const Method &each) {
             return message.member() == QLatin1String(each.member)
                 && message.signature() == QLatin1String(each.signature);
         });
     return row == std::end(methods) ? nullptr : row;
 }
 
+QString Service::introspect(const QString & /*path*/) const
+{
+    return {};
+}
+
 bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
 {
     const QString wanted = message.interface();
-    const MethodRow *method = find(message);
+    if (wanted == QLatin1String("org.freedesktop.DBus.Introspectable")
+        && message.member() == QLatin1String("Introspect")) {
+        send(connection, message,
+             message.createReply(QString::fromUtf8(builtIn(QStringLiteral("varn.pim.xml")))));
+        return true;
+    }
+    const Method *method = find(message);
     if (wanted.isEmpty() ? method == nullptr : wanted != QLatin1String("varn.pim")) {
         return false;
     }
@@ -127,7 +194,12 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
         return true;
     }
     if (method == nullptr) {
-        reply(connection, message, unknownMethod(message));
+        // Qt would name the whole interface as unknown, which it is not.
+        const QString sentence =
+            QStringLiteral("No such method '%1' in interface 'varn.pim' at object path '%2' "
+                           "(signature '%3')")
+                .arg(message.member(), message.path(), message.signature());
+        send(connection, message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
     } else if (const Fault *fault = faultOf(faults, message.member())) {
         suffer(*fault, *method, message, connection);
     } else {
@@ -136,36 +208,44 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
     return true;
 }
 
-void Service::answer(const MethodRow &method, const QDBusMessage &message,
+void Service::answer(const Method &method, const QDBusMessage &call,
                      const QDBusConnection &connection)
 {
-    const Answer answer = (this->*method.handler)(message.arguments());
-    if (answer.refusal) {
-        refuse(connection, message, *answer.refusal);
-    } else {
-        reply(connection, message, message.createReply(answer.values));
+    try {
+        QVariantList values;
+        method.handler(*this, call.arguments(), values);
+        send(connection, call, call.createReply(values));
+    } catch (const Refusal &refusal) {
+        if (!refusal.about.isNull()) {
+            log.record(LogLevel::Error, refusal.about,
+                       QStringLiteral("refused: ") + refusal.sentence);
+        }
+        // Clients set without waiting for the answer, so that a refusal shows in monitors only.
+        if (call.member() == QLatin1String("SetValue")) {
+            announcer.error(refusal.sentence);
+        }
+        send(connection, call, errorReply(call, refusal));
     }
 }
 
-void Service::suffer(const Fault &fault, const MethodRow &method, const QDBusMessage &message,
+void Service::suffer(const Fault &fault, const Method &method, const QDBusMessage &call,
                      const QDBusConnection &connection)
 {
     // No member of the interface answers with a double.
     constexpr double ofAnotherType = 1.5;
     switch (fault.kind) {
     case Fault::Kind::Delay:
-        QTimer::singleShot(fault.delay, Qt::PreciseTimer, this,
-                           [this, &method, message, connection] {
-                               if (!hasVanished) {
-                                   answer(method, message, connection);
-                               }
-                           });
+        QTimer::singleShot(fault.delay, Qt::PreciseTimer, this, [this, &method, call, connection] {
+            if (!hasVanished) {
+                answer(method, call, connection);
+            }
+        });
         break;
     case Fault::Kind::Refuse:
-        refuse(connection, message, onDemand(fault.text));
+        send(connection, call, errorReply(call, { QStringLiteral("Refused"), fault.text, {} }));
         break;
     case Fault::Kind::WrongType:
-        reply(connection, message, message.createReply(ofAnotherType));
+        send(connection, call, call.createReply(ofAnotherType));
         break;
     case Fault::Kind::Vanish:
         hasVanished = true;
@@ -174,4 +254,166 @@ void Service::suffer(const Fault &fault, const MethodRow &method, const QDBusMes
     case Fault::Kind::Silence:
         break;
     }
+}
+
+QVector<int> Service::lookUp(const QStringList &ids) const
+{
+    QVector<int> indexes;
+    indexes.reserve(ids.size());
+    for (const QString &id : ids) {
+        const int index = items.indexOf(id);
+        if (index < 0) {
+            throw unknownId(id);
+        }
+        indexes.append(index);
+    }
+    return indexes;
+}
+
+QVector<int> Service::lookUpToRead(const QVariantList &arguments, qint64 (*sizeOf)(const Item &))
+{
+    // The bus closes the connection of who sends more than it carries in one message.
+    constexpr qint64 mostBytes = 67108864;
+    const QVector<int> indexes = lookUp(arguments.at(0).toStringList());
+    qint64 bytes = 0;
+    for (const int index : indexes) {
+        bytes += sizeOf(items.at(index));
+    }
+    if (bytes > mostBytes) {
+        throw badValue(
+            QStringLiteral("The values of %1 items do not fit one answer.").arg(indexes.size()));
+    }
+    for (const int index : indexes) {
+        log.record(LogLevel::Debug, items.at(index).id, QStringLiteral("read"));
+    }
+    return indexes;
+}
+
+template <typename Shown> QVariantList Service::readOne(const QVariantList &arguments)
+{
+    const int index = lookUpToRead(arguments, &Shown::size).first();
+    return { QVariant::fromValue(Shown::alone(items.at(index))) };
+}
+
+template <typename Shown> QVariantList Service::readAll(const QVariantList &arguments)
+{
+    QList<decltype(Shown::of(items.at(0)))> all;
+    const QVector<int> indexes = lookUpToRead(arguments, &Shown::size);
+    for (const int index : indexes) {
+        all.append(Shown::of(items.at(index)));
+    }
+    return { QVariant::fromValue(all) };
+}
+
+Assignment Service::convert(const IdValueStruct &wanted) const
+{
+    const int index = items.indexOf(wanted.id);
+    if (index < 0) {
+        throw unknownId(wanted.id);
+    }
+    const Item &item = items.at(index);
+    if (item.kind == ItemKind::Result) {
+        throw Refusal { QStringLiteral("ReadOnly"),
+                        QStringLiteral("%1 is a result, which cannot be set.").arg(quoted(item.id)),
+                        item.id };
+    }
+    // Who sets one value by hand sends its text and leaves the type to the service.
+    const bool isText = wanted.value.userType() == QMetaType::QString;
+    if (isText && isArray(item.type)) {
+        throw Refusal { QStringLiteral("BadValue"),
+                        QStringLiteral("%1 is an array of type %2; SETARRAY sets it.")
+                            .arg(quoted(item.id), typeName(item.type)),
+                        item.id };
+    }
+    const Place place { QStringLiteral("BadValue"),
+                        {},
+                        quoted(item.id) + QLatin1String(" cannot be set"),
+                        QStringLiteral("."),
+                        item.id };
+    return { index,
+             isText ? valueFromText(item.type, wanted.value.toString(), place)
+                    : valueFromBus(item.type, wanted.value, place) };
+}
+
+void Service::set(const QList<IdValueStruct> &wanted)
+{
+    QVector<Assignment> assignments;
+    for (const IdValueStruct &each : wanted) {
+        assignments.append(convert(each));
+    }
+    for (const Assignment &assignment : assignments) {
+        const Item &item = items.at(assignment.index);
+        log.record(LogLevel::Info, item.id,
+                   QStringLiteral("set to ") + shown(valueToText(item.type, assignment.value)));
+    }
+    items.assign(assignments);
+}
+
+void Service::listen(const QStringList &ids)
+{
+    const QVector<int> indexes = lookUp(ids);
+    for (const int index : indexes) {
+        log.record(LogLevel::Info, items.at(index).id, QStringLiteral("put on the notify list"));
+        items.listen(index);
+    }
+}
+
+void Service::ignore(const QStringList &ids)
+{
+    for (const QString &id : ids) {
+        const int index = items.indexOf(id);
+        if (index >= 0) {
+            log.record(LogLevel::Info, id, QStringLiteral("taken off the notify list"));
+            items.ignore(index);
+        }
+    }
+}
+
+void Service::serverCommand(const QString &word, const QVariant &value)
+{
+    constexpr int longestPace = 3600000;
+    const bool forConfigs = word == QLatin1String("SET_CFG_NOTIFY_TIMER");
+    if (!forConfigs && word != QLatin1String("SET_RES_NOTIFY_TIMER")) {
+        throw Refusal { QStringLiteral("UnknownCommand"),
+                        QStringLiteral("There is no command %1.").arg(quoted(word)),
+                        {} };
+    }
+    if (value.userType() != QMetaType::Int) {
+        throw badValue(
+            QStringLiteral("%1 takes a number of milliseconds of D-Bus type \"i\".").arg(word));
+    }
+    if (value.toInt() < 0 || value.toInt() > longestPace) {
+        throw badValue(QStringLiteral("%1 takes 0 to %2 milliseconds, not %3.")
+                           .arg(word)
+                           .arg(longestPace)
+                           .arg(value.toInt()));
+    }
+    items.setPace(forConfigs ? ItemKind::Config : ItemKind::Result, value.toInt());
+}
+
+void Service::saveConfig(const QString &name)
+{
+    if (log.writesTo(name)) {
+        throw Refusal {
+            QStringLiteral("File"),
+            QStringLiteral("Cannot write %1: it is the debug log.").arg(quoted(files.pathOf(name))),
+            {}
+        };
+    }
+    files.write(name, writeConfigs(items));
+    announcer.info(QStringLiteral("configuration saved to %1").arg(files.pathOf(name)));
+}
+
+void Service::loadConfig(const QString &name)
+{
+    const QString intro = QStringLiteral("%1 is damaged: ").arg(quoted(files.pathOf(name)));
+    const QVector<Assignment> assignments =
+        readConfigs(files.read(name), items, intro, QStringLiteral("."));
+    for (const Assignment &assignment : assignments) {
+        const Item &item = items.at(assignment.index);
+        log.record(LogLevel::Info, item.id,
+                   QStringLiteral("loaded as ") + shown(valueToText(item.type, assignment.value)));
+    }
+    items.assign(assignments);
+    announcer.info(QStringLiteral("configuration loaded from %1").arg(files.pathOf(name)));
 }

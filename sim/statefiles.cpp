@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "sim/statefiles.h"
 
-#include "sim/text.h"
-
 #include <QDir>
-#include <QLatin1String>
+#include <QFileInfo>
+#include <QSaveFile>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,53 +11,16 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace
 {
 
-/// A file descriptor that closes itself.
-class Descriptor
-{
-public:
-    explicit Descriptor(int opened)
-        : number(opened)
-    {
-    }
-    ~Descriptor()
-    {
-        if (number >= 0) {
-            ::close(number);
-        }
-    }
-    Q_DISABLE_COPY(Descriptor)
+/// Begins the names of files that are being written; clients cannot use it.
+const QString ownPrefix = QStringLiteral(".movra-sim.");
 
-    bool isOpen() const { return number >= 0; }
-    int get() const { return number; }
-    int release() { return std::exchange(number, -1); }
-
-private:
-    int number;
-};
-
-QString noDirectory()
-{
-    return QStringLiteral("neither XDG_STATE_HOME nor HOME says where");
-}
-
-QString systemReason()
-{
-    return qt_error_string(errno);
-}
-
-Refusal cannot(const char *verb, const QString &path, const QString &reason)
-{
-    return fileProblem(
-        QStringLiteral("Cannot %1 %2: %3.").arg(QLatin1String(verb), quoted(path), reason));
-}
-
-std::optional<Refusal> nameRefusal(const QString &name)
+void checkName(const QString &name)
 {
     constexpr int mostNameBytes = 200;
     QString reason;
@@ -72,53 +34,26 @@ std::optional<Refusal> nameRefusal(const QString &name)
                    return character.category() == QChar::Other_Control;
                })) {
         reason = QStringLiteral("it holds a control character");
+    } else if (name.startsWith(ownPrefix)) {
+        reason = QStringLiteral("names that begin with %1 are the simulator's own").arg(ownPrefix);
     } else if (name.toUtf8().size() > mostNameBytes) {
         reason = QStringLiteral("it is longer than %1 bytes").arg(mostNameBytes);
     } else {
-        return {};
+        return;
     }
-    return badName(
-        QStringLiteral("%1 cannot be the name of a file: %2.").arg(quoted(name), reason));
-}
-
-Descriptor openDirectory(const QString &path)
-{
-    return Descriptor(
-        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-}
-
-/// Why the name cannot be given to a new file: something that is no regular file has it already.
-QString occupied(const Descriptor &directory, const QByteArray &name)
-{
-    struct stat info {
+    throw Refusal {
+        QStringLiteral("BadName"),
+        QStringLiteral("%1 cannot be the name of a file: %2.").arg(quoted(name), reason),
+        {},
     };
-    if (::fstatat(directory.get(), name.constData(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
-        return errno == ENOENT ? QString() : systemReason();
-    }
-    return S_ISREG(info.st_mode) ? QString() : QStringLiteral("it is not a regular file");
 }
 
-Descriptor createNew(const Descriptor &directory, const QByteArray &name)
+void checkRegular(const QString &path, const Place &place)
 {
-    constexpr mode_t readableByAll = 0666;
-    return Descriptor(::openat(directory.get(), name.constData(),
-                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                               readableByAll));
-}
-
-bool writeAll(const Descriptor &file, const QByteArray &bytes)
-{
-    ssize_t written = 0;
-    for (ssize_t done = 0; done < bytes.size(); done += written) {
-        do {
-            written = ::write(file.get(), bytes.constData() + done,
-                              static_cast<size_t>(bytes.size() - done));
-        } while (written < 0 && errno == EINTR);
-        if (written < 0) {
-            return false;
-        }
+    const QFileInfo info(path);
+    if (info.isSymLink() || (info.exists() && !info.isFile())) {
+        throw place.refusal(QStringLiteral("it is not a regular file"));
     }
-    return ::fsync(file.get()) == 0;
 }
 
 } // namespace
@@ -126,6 +61,13 @@ bool writeAll(const Descriptor &file, const QByteArray &bytes)
 StateFiles::StateFiles(QString directoryPath)
     : directory(std::move(directoryPath))
 {
+}
+
+StateFiles::~StateFiles()
+{
+    if (lock >= 0) {
+        ::close(lock);
+    }
 }
 
 QString StateFiles::defaultDirectory()
@@ -141,18 +83,41 @@ QString StateFiles::defaultDirectory()
     return {};
 }
 
-QString StateFiles::prepare() const
+void StateFiles::prepare(const Place &place)
 {
     if (directory.isEmpty()) {
-        return noDirectory();
+        throw place.refusal(QStringLiteral("neither XDG_STATE_HOME nor HOME says where"));
     }
     if (!QDir().mkpath(directory)) {
-        return QStringLiteral("%1 is no directory and cannot be created").arg(quoted(directory));
+        throw place.refusal(
+            QStringLiteral("%1 is no directory and cannot be created").arg(quoted(directory)));
     }
-    if (::access(QFile::encodeName(directory).constData(), R_OK | W_OK | X_OK) != 0) {
-        return quoted(directory) + QLatin1String(": ") + systemReason();
+    const QByteArray path = QFile::encodeName(directory);
+    if (::access(path.constData(), R_OK | W_OK | X_OK) != 0) {
+        throw place.refusal(quoted(directory) + QLatin1String(": ") + qt_error_string(errno));
     }
-    return {};
+    if (lock < 0) {
+        // The directory itself is locked, so that the lock is no file in it.
+        lock = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) != 0) {
+            const QString reason = errno == EWOULDBLOCK
+                ? QStringLiteral("another simulator uses %1").arg(quoted(directory))
+                : quoted(directory) + QLatin1String(": ") + qt_error_string(errno);
+            ::close(std::exchange(lock, -1));
+            throw place.refusal(reason);
+        }
+        removeLeftovers();
+    }
+}
+
+void StateFiles::removeLeftovers() const
+{
+    QDir folder(directory);
+    const QStringList names = folder.entryList({ ownPrefix + QLatin1Char('*') },
+                                               QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString &name : names) {
+        folder.remove(name);
+    }
 }
 
 QString StateFiles::pathOf(const QString &name) const
@@ -160,103 +125,66 @@ QString StateFiles::pathOf(const QString &name) const
     return directory.isEmpty() ? name : directory + QLatin1Char('/') + name;
 }
 
-StateRead StateFiles::read(const QString &name) const
+Place StateFiles::placeOf(const char *verb, const QString &name) const
 {
-    if (auto refusal = nameRefusal(name)) {
-        return { {}, refusal };
-    }
-    const auto refused = [this, &name](const QString &reason) {
-        return StateRead { {}, cannot("read", pathOf(name), reason) };
-    };
+    checkName(name);
+    Place place { QStringLiteral("File"), {}, {}, QStringLiteral("."), {} };
+    place.path = QStringLiteral("Cannot %1 %2").arg(QLatin1String(verb), quoted(pathOf(name)));
+    return place;
+}
+
+QByteArray StateFiles::read(const QString &name) const
+{
+    const Place place = placeOf("read", name);
     if (directory.isEmpty()) {
-        return refused(noDirectory());
+        throw place.refusal(QStringLiteral("neither XDG_STATE_HOME nor HOME says where"));
     }
-    const Descriptor folder = openDirectory(directory);
-    // A pipe without a writer would hold up a blocking open.
-    const Descriptor file(folder.isOpen() ? ::openat(folder.get(), name.toUtf8().constData(),
-                                                     O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)
-                                          : -1);
-    struct stat info {
-    };
-    if (!file.isOpen() || ::fstat(file.get(), &info) != 0) {
-        return refused(errno == ELOOP ? QStringLiteral("it is not a regular file")
-                                      : systemReason());
-    }
-    if (!S_ISREG(info.st_mode)) {
-        return refused(QStringLiteral("it is not a regular file"));
-    }
-    QFile contents;
-    contents.open(file.get(), QIODevice::ReadOnly);
-    const QByteArray bytes = contents.read(mostBytes + 1);
-    if (contents.error() != QFileDevice::NoError) {
-        return refused(contents.errorString());
+    checkRegular(pathOf(name), place);
+    QFile file(pathOf(name));
+    const QByteArray bytes =
+        file.open(QIODevice::ReadOnly) ? file.read(mostBytes + 1) : QByteArray();
+    if (file.error() != QFileDevice::NoError) {
+        throw place.refusal(file.errorString());
     }
     if (bytes.size() > mostBytes) {
-        return refused(QStringLiteral("it is larger than 16 MiB"));
+        throw place.refusal(QStringLiteral("it is larger than 16 MiB"));
     }
-    return { bytes, {} };
+    return bytes;
 }
 
-std::optional<Refusal> StateFiles::write(const QString &name, const QByteArray &bytes) const
+void StateFiles::write(const QString &name, const QByteArray &bytes)
 {
-    if (auto refusal = nameRefusal(name)) {
-        return refusal;
-    }
-    const auto refused = [this, &name](const QString &reason) {
-        return cannot("write", pathOf(name), reason);
-    };
+    const Place place = placeOf("write", name);
     if (bytes.size() > mostBytes) {
-        return refused(QStringLiteral("it would be larger than 16 MiB"));
+        throw place.refusal(QStringLiteral("it would be larger than 16 MiB"));
     }
-    const QString unusable = prepare();
-    if (!unusable.isEmpty()) {
-        return refused(unusable);
+    prepare(place);
+    checkRegular(pathOf(name), place);
+    removeLeftovers();
+    // QSaveFile would choose a name that begins like the file's own; what a killed simulator leaves
+    // must be known by its name.
+    const QString newPath = pathOf(ownPrefix + QLatin1String("new"));
+    QSaveFile file(newPath);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        throw place.refusal(file.errorString());
     }
-    const Descriptor folder = openDirectory(directory);
-    const QByteArray finalName = name.toUtf8();
-    const QString reason = occupied(folder, finalName);
-    if (!reason.isEmpty()) {
-        return refused(reason);
+    if (std::rename(QFile::encodeName(newPath).constData(),
+                    QFile::encodeName(pathOf(name)).constData())
+        != 0) {
+        throw place.refusal(qt_error_string(errno));
     }
-    // One of this process's own: another simulator may be at work in the same directory.
-    const QByteArray newName = ".movra-sim." + QByteArray::number(::getpid()) + ".new";
-    ::unlinkat(folder.get(), newName.constData(), 0);
-    const Descriptor file = createNew(folder, newName);
-    if (!file.isOpen() || !writeAll(file, bytes)
-        || ::renameat(folder.get(), newName.constData(), folder.get(), finalName.constData())
-            != 0) {
-        const QString whyNot = systemReason();
-        ::unlinkat(folder.get(), newName.constData(), 0);
-        return refused(whyNot);
-    }
-    return {};
 }
 
-std::optional<Refusal> StateFiles::create(const QString &name, QFile &file) const
+std::unique_ptr<QFile> StateFiles::create(const QString &name)
 {
-    if (auto refusal = nameRefusal(name)) {
-        return refusal;
-    }
-    const auto refused = [this, &name](const QString &reason) {
-        return cannot("write", pathOf(name), reason);
-    };
-    const QString unusable = prepare();
-    if (!unusable.isEmpty()) {
-        return refused(unusable);
-    }
-    const Descriptor folder = openDirectory(directory);
-    const QByteArray finalName = name.toUtf8();
-    const QString reason = occupied(folder, finalName);
-    if (!reason.isEmpty()) {
-        return refused(reason);
-    }
+    const Place place = placeOf("write", name);
+    prepare(place);
+    checkRegular(pathOf(name), place);
+    auto file = std::make_unique<QFile>(pathOf(name));
     // The old file goes first: emptying it would also empty it under every other name it has.
-    ::unlinkat(folder.get(), finalName.constData(), 0);
-    Descriptor created = createNew(folder, finalName);
-    if (!created.isOpen()) {
-        return refused(systemReason());
+    file->remove();
+    if (!file->open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
+        throw place.refusal(file->errorString());
     }
-    file.open(created.release(), QIODevice::WriteOnly | QIODevice::Unbuffered,
-              QFileDevice::AutoCloseHandle);
-    return {};
+    return file;
 }

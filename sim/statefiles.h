@@ -4,46 +4,46 @@
 // replaced.
 #pragma once
 
-#include "sim/refusal.h"
+#include "sim/errors.h"
 
 #include <QByteArray>
 #include <QFile>
 #include <QString>
 
-#include <optional>
+#include <memory>
 
-/// What was read, or why not.
-struct StateRead {
-    QByteArray bytes;
-    std::optional<Refusal> refusal;
-};
-
-/// The state directory.
+/// The state directory. Whoever writes into it first has it to himself until the end.
 class StateFiles
 {
 public:
-    /// Most that is ever read from or written to one file at once.
+    /// Most that one file ever holds.
     static constexpr int mostBytes = 16 * 1024 * 1024;
 
     /// `directoryPath` may be empty: then every access is refused.
     explicit StateFiles(QString directoryPath);
+    ~StateFiles();
+    Q_DISABLE_COPY(StateFiles)
 
     /// $XDG_STATE_HOME/movra-sim, else $HOME/.local/state/movra-sim; empty when neither is
     /// absolute.
     static QString defaultDirectory();
 
-    /// Creates the directory if it is missing; says why it cannot be used, if so.
-    QString prepare() const;
+    /// Creates the directory if it is missing, locks it and removes what a killed simulator left.
+    void prepare(const Place &place);
     /// Where the file of this name lies.
     QString pathOf(const QString &name) const;
 
     /// The whole file.
-    StateRead read(const QString &name) const;
+    QByteArray read(const QString &name) const;
     /// Replaces or creates the file; after a crash either the old or the new one is there, whole.
-    std::optional<Refusal> write(const QString &name, const QByteArray &bytes) const;
-    /// Replaces or creates the file by an empty one and leaves it open for writing in `file`.
-    std::optional<Refusal> create(const QString &name, QFile &file) const;
+    void write(const QString &name, const QByteArray &bytes);
+    /// Replaces or creates the file by an empty one, which is open for writing.
+    std::unique_ptr<QFile> create(const QString &name);
 
 private:
+    Place placeOf(const char *verb, const QString &name) const;
+    void removeLeftovers() const;
+
     QString directory;
+    int lock = -1; ///< the directory, open and locked
 };

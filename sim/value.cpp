@@ -2,18 +2,22 @@
 #include "sim/value.h"
 
 #include "bus/types.h"
-#include "sim/element.h"
-#include "sim/text.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
-#include <QJsonArray>
+#include <QLocale>
 #include <QMetaType>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <type_traits>
 #include <vector>
 
 namespace
@@ -21,181 +25,292 @@ namespace
 
 constexpr int mostElements = 65536;
 
-// QJsonArray and the containers count with different types; an item never holds more than this
-// many.
-template <typename Container> int count(const Container &container)
-{
-    return static_cast<int>(container.size());
-}
+template <typename T> constexpr bool isText = std::is_same_v<T, QString>;
+template <typename T> constexpr bool isTruth = std::is_same_v<T, bool>;
+template <typename T> constexpr bool isReal = std::is_same_v<T, double>;
 
-// Length field, alignment and closing zero of a string or an array, or all of a number.
-constexpr qint64 bytesAround = 8;
-
-template <typename T> qint64 elementSize(const T & /*number*/)
-{
-    return bytesAround;
-}
-
-qint64 elementSize(const QString &text)
-{
-    constexpr qint64 mostBytesOfUnit = 3;
-    return mostBytesOfUnit * text.size() + bytesAround;
-}
-
-template <typename T> struct Scalar {
-    static Conversion fromText(const QString &text)
-    {
-        T value {};
-        const QString problem = element::parse(text, quoted(text), value);
-        return { QVariant::fromValue(value), problem };
-    }
-
-    static Conversion fromJson(const QJsonValue &json)
-    {
-        T value {};
-        const QString problem = element::read(json, value);
-        return { QVariant::fromValue(value), problem };
-    }
-
-    static Conversion fromBus(const QVariant &variant) { return { variant, {} }; }
-    static QJsonValue toJson(const QVariant &value) { return element::toJson(value.value<T>()); }
-    static QString toText(const QVariant &value) { return element::toText(value.value<T>()); }
-    static qint64 busSize(const QVariant &value) { return elementSize(value.value<T>()); }
+template <typename T> struct ElementOf {
+    static constexpr bool exists = false;
+};
+template <> struct ElementOf<QStringList> {
+    static constexpr bool exists = true;
+    using Type = QString;
+};
+template <typename T> struct ElementOf<std::vector<T>> {
+    static constexpr bool exists = true;
+    using Type = T;
 };
 
-// A text from the bus obeys the same limit as one from a file.
-template <> Conversion Scalar<QString>::fromBus(const QVariant &variant)
+template <typename T> QString numberName()
 {
-    return fromText(variant.toString());
-}
-
-QString limitProblem(const QStringList &elements)
-{
-    qint64 length = 0;
-    for (const QString &text : elements) {
-        length += text.size();
+    if constexpr (isReal<T>) {
+        return QStringLiteral("double");
+    } else {
+        return QStringLiteral("%1int%2")
+            .arg(std::is_signed_v<T> ? QString() : QStringLiteral("u"))
+            .arg(8 * sizeof(T));
     }
-    return length > element::longestText
-        ? QStringLiteral("the texts are longer than %1 characters").arg(element::longestText)
-        : QString();
 }
 
-template <typename T> QString limitProblem(const std::vector<T> & /*elements*/)
+QString textOf(double value)
 {
-    return {};
+    // Qt leaves the sign of nought out.
+    return std::fpclassify(value) == FP_ZERO && std::signbit(value)
+        ? QStringLiteral("-0")
+        : QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
-template <typename Container> struct Array {
-    static Conversion checked(const Container &elements)
-    {
-        if (count(elements) > mostElements) {
-            return { {}, QStringLiteral("there are more than %1 elements").arg(mostElements) };
-        }
-        return { QVariant::fromValue(elements), limitProblem(elements) };
-    }
+Refusal isNot(const Json &json, const char *wanted, const Place &place)
+{
+    return place.refusal(
+        QStringLiteral("is %1, not %2").arg(jsonKind(json), QLatin1String(wanted)));
+}
 
-    static Conversion fromJson(const QJsonValue &json)
-    {
-        if (!json.isArray()) {
-            return { {},
-                     QStringLiteral("is %1, not an array").arg(element::jsonKind(json.type())) };
+/// Reads a single value; `display` is the text as a refusal shows it.
+template <typename T> T parse(const QString &text, const QString &display, const Place &place)
+{
+    if constexpr (isText<T>) {
+        if (text.contains(QChar(QChar::Null))) {
+            throw place.refusal(
+                QStringLiteral("the text holds the character U+0000, which the bus cannot carry"));
         }
-        Container elements;
-        const QJsonArray array = json.toArray();
-        for (int index = 0; index < array.size(); ++index) {
-            typename Container::value_type value {};
-            const QString problem = element::read(array.at(index), value);
-            if (!problem.isEmpty()) {
-                return { {}, problem, index };
+        if (text.size() > longestText) {
+            throw place.refusal(
+                QStringLiteral("the text is longer than %1 characters").arg(longestText));
+        }
+        return text;
+    } else if constexpr (isTruth<T>) {
+        const bool isTrue = text == QLatin1String("true") || text == QLatin1String("1");
+        if (!isTrue && text != QLatin1String("false") && text != QLatin1String("0")) {
+            throw place.refusal(QStringLiteral("%1 is not true, false, 1 or 0").arg(display));
+        }
+        return isTrue;
+    } else {
+        static const QRegularExpression form(
+            isReal<T> ? QStringLiteral("\\A-?(?:(?:[0-9]+(?:\\.[0-9]*)?|\\.[0-9]+)"
+                                       "(?:[eE][-+]?[0-9]+)?|inf|nan)\\z")
+                      : QStringLiteral("\\A-?[0-9]+\\z"));
+        if (!form.match(text).hasMatch()) {
+            throw place.refusal(display
+                                + (isReal<T> ? QLatin1String(" is not a number")
+                                             : QLatin1String(" is not a whole number")));
+        }
+        bool fits = false;
+        T value {};
+        if constexpr (isReal<T>) {
+            const bool isNan = text.endsWith(QLatin1String("nan"));
+            value = isNan ? std::numeric_limits<double>::quiet_NaN() : text.toDouble(&fits);
+            fits = fits || isNan;
+        } else if (text.startsWith(QLatin1Char('-'))) {
+            const qint64 wide = text.toLongLong(&fits);
+            // The least value of an unsigned type is 0, which every negative number is below.
+            fits = fits && wide >= static_cast<qint64>(std::numeric_limits<T>::min());
+            value = static_cast<T>(wide);
+        } else {
+            const quint64 wide = text.toULongLong(&fits);
+            fits = fits && wide <= static_cast<quint64>(std::numeric_limits<T>::max());
+            value = static_cast<T>(wide);
+        }
+        if (!fits) {
+            throw place.refusal(QStringLiteral("%1 does not fit %2").arg(display, numberName<T>()));
+        }
+        return value;
+    }
+}
+
+/// What a list obeys, wherever it comes from.
+template <typename List> List checked(const List &list, const Place &place)
+{
+    if (static_cast<int>(list.size()) > mostElements) {
+        throw place.refusal(QStringLiteral("there are more than %1 elements").arg(mostElements));
+    }
+    if constexpr (std::is_same_v<List, QStringList>) {
+        qint64 length = 0;
+        for (const QString &text : list) {
+            length += text.size();
+        }
+        if (length > longestText) {
+            throw place.refusal(
+                QStringLiteral("the texts are longer than %1 characters").arg(longestText));
+        }
+    }
+    return list;
+}
+
+template <typename T> T fromJson(const Json &json, const Place &place)
+{
+    if constexpr (ElementOf<T>::exists) {
+        if (!json.is_array()) {
+            throw isNot(json, "an array", place);
+        }
+        T list;
+        Place at = place;
+        for (const Json &each : json) {
+            ++at.element;
+            list.push_back(fromJson<typename ElementOf<T>::Type>(each, at));
+        }
+        return checked(list, place);
+    } else if constexpr (isTruth<T>) {
+        if (!json.is_boolean()) {
+            throw isNot(json, "true or false", place);
+        }
+        return json.get<bool>();
+    } else {
+        if (json.is_string()) {
+            const QString text = QString::fromStdString(json.get_ref<const std::string &>());
+            return parse<T>(text, quoted(text), place);
+        }
+        if constexpr (isText<T>) {
+            throw isNot(json, "a string", place);
+        } else if (!json.is_number()) {
+            throw isNot(json, "a number", place);
+        } else if constexpr (isReal<T>) {
+            return json.get<double>();
+        } else {
+            QString text = QString::fromStdString(json.dump());
+            if (json.is_number_float()) {
+                const auto value = json.get<double>();
+                if (std::trunc(value) != value) {
+                    throw place.refusal(
+                        QStringLiteral("%1 is not a whole number").arg(textOf(value)));
+                }
+                // A number with a fraction or an exponent may have been rounded from here on.
+                constexpr double firstInexact = 9007199254740992.0;
+                if (std::abs(value) >= firstInexact) {
+                    throw place.refusal(
+                        QStringLiteral("%1 is not exact as a JSON number; write it between quotes")
+                            .arg(textOf(value)));
+                }
+                text = QString::number(static_cast<qint64>(value));
             }
-            elements.push_back(value);
+            return parse<T>(text, text, place);
         }
-        return checked(elements);
     }
+}
 
-    static Conversion fromBus(const QVariant &variant)
-    {
+template <typename T> T fromText(const QString &text, const Place &place)
+{
+    if constexpr (ElementOf<T>::exists) {
+        throw place.refusal(QStringLiteral("is an array, not a single value"));
+    } else {
+        return parse<T>(text, quoted(text), place);
+    }
+}
+
+template <typename T> T fromBus(const QVariant &variant, const Place &place)
+{
+    if constexpr (ElementOf<T>::exists) {
         // Only an array of strings arrives unpacked.
-        return checked(qdbus_cast<Container>(variant));
+        return checked(qdbus_cast<T>(variant), place);
+    } else if constexpr (isText<T>) {
+        // A text from the bus obeys the same limit as one from a file.
+        return fromText<T>(variant.toString(), place);
+    } else {
+        return variant.value<T>();
     }
+}
 
-    static QJsonValue toJson(const QVariant &value)
-    {
-        QJsonArray array;
-        for (const auto &element : value.value<Container>()) {
-            array.append(element::toJson(element));
-        }
-        return array;
-    }
-
-    static QString toText(const QVariant &value)
-    {
+template <typename T> QString toText(const T &value)
+{
+    if constexpr (ElementOf<T>::exists) {
         QStringList texts;
-        for (const auto &element : value.value<Container>()) {
-            texts.append(element::toText(element));
+        for (const auto &each : value) {
+            texts.append(toText<typename ElementOf<T>::Type>(each));
         }
         return texts.join(QLatin1Char(' '));
+    } else if constexpr (isText<T>) {
+        return value;
+    } else if constexpr (isTruth<T>) {
+        return value ? QStringLiteral("true") : QStringLiteral("false");
+    } else if constexpr (isReal<T>) {
+        return textOf(value);
+    } else {
+        return QString::number(value);
     }
+}
 
-    static qint64 busSize(const QVariant &value)
-    {
-        qint64 size = bytesAround;
-        for (const auto &element : value.value<Container>()) {
-            size += elementSize(element);
+template <typename T> Json toJson(const T &value)
+{
+    if constexpr (ElementOf<T>::exists) {
+        Json list = Json::array();
+        for (const auto &each : value) {
+            list.push_back(toJson<typename ElementOf<T>::Type>(each));
         }
-        return size;
+        return list;
+    } else if constexpr (isTruth<T> || sizeof(T) == sizeof(int32_t)) {
+        return value;
+    } else {
+        if constexpr (isReal<T>) {
+            // JSON has neither infinities nor nan, and many readers lose the sign of nought.
+            if (std::isfinite(value) && !(std::signbit(value) && std::abs(value) <= 0)) {
+                return value;
+            }
+        }
+        return toText<T>(value).toStdString();
     }
-};
+}
+
+template <typename T> qint64 sizeOf(const T &value)
+{
+    // Length field, alignment and closing zero of a string or an array, or all of a number.
+    constexpr qint64 bytesAround = 8;
+    constexpr qint64 mostBytesOfUnit = 3;
+    qint64 size = bytesAround;
+    if constexpr (ElementOf<T>::exists) {
+        for (const auto &each : value) {
+            size += sizeOf<typename ElementOf<T>::Type>(each);
+        }
+    } else if constexpr (isText<T>) {
+        size += mostBytesOfUnit * value.size();
+    }
+    return size;
+}
 
 struct TypeRow {
     const char *name;
     const char *signature;
-    Conversion (*fromText)(const QString &); ///< null: an array, which no text can give
-    Conversion (*fromJson)(const QJsonValue &);
-    Conversion (*fromBus)(const QVariant &); ///< called only when the signature is this row's
-    QJsonValue (*toJson)(const QVariant &);
+    QVariant (*fromJson)(const Json &, const Place &);
+    QVariant (*fromText)(const QString &, const Place &);
+    QVariant (*fromBus)(const QVariant &, const Place &); ///< only for this row's signature
+    Json (*toJson)(const QVariant &);
     QString (*toText)(const QVariant &);
     qint64 (*busSize)(const QVariant &);
 };
 
-template <typename T> constexpr TypeRow scalarRow(const char *name, const char *signature)
+template <typename T> constexpr TypeRow row(const char *name, const char *signature)
 {
-    return { name,
-             signature,
-             &Scalar<T>::fromText,
-             &Scalar<T>::fromJson,
-             &Scalar<T>::fromBus,
-             &Scalar<T>::toJson,
-             &Scalar<T>::toText,
-             &Scalar<T>::busSize };
-}
-
-template <typename Container> constexpr TypeRow arrayRow(const char *name, const char *signature)
-{
-    return { name,
-             signature,
-             nullptr,
-             &Array<Container>::fromJson,
-             &Array<Container>::fromBus,
-             &Array<Container>::toJson,
-             &Array<Container>::toText,
-             &Array<Container>::busSize };
+    return {
+        name,
+        signature,
+        [](const Json &json, const Place &place) {
+            return QVariant::fromValue(fromJson<T>(json, place));
+        },
+        [](const QString &text, const Place &place) {
+            return QVariant::fromValue(fromText<T>(text, place));
+        },
+        [](const QVariant &variant, const Place &place) {
+            return QVariant::fromValue(fromBus<T>(variant, place));
+        },
+        [](const QVariant &value) { return toJson<T>(value.value<T>()); },
+        [](const QVariant &value) { return toText<T>(value.value<T>()); },
+        [](const QVariant &value) { return sizeOf<T>(value.value<T>()); },
+    };
 }
 
 constexpr TypeRow types[] = {
-    scalarRow<QString>("string", "s"),
-    scalarRow<bool>("bool", "b"),
-    scalarRow<int32_t>("int32", "i"),
-    scalarRow<uint32_t>("uint32", "u"),
-    scalarRow<qint64>("int64", "x"),
-    scalarRow<quint64>("uint64", "t"),
-    scalarRow<double>("double", "d"),
-    arrayRow<QStringList>("string[]", "as"),
-    arrayRow<std::vector<int32_t>>("int32[]", "ai"),
-    arrayRow<std::vector<uint32_t>>("uint32[]", "au"),
-    arrayRow<std::vector<qint64>>("int64[]", "ax"),
-    arrayRow<std::vector<quint64>>("uint64[]", "at"),
-    arrayRow<std::vector<double>>("double[]", "ad"),
+    row<QString>("string", "s"),
+    row<bool>("bool", "b"),
+    row<int32_t>("int32", "i"),
+    row<uint32_t>("uint32", "u"),
+    row<qint64>("int64", "x"),
+    row<quint64>("uint64", "t"),
+    row<double>("double", "d"),
+    row<QStringList>("string[]", "as"),
+    row<std::vector<int32_t>>("int32[]", "ai"),
+    row<std::vector<uint32_t>>("uint32[]", "au"),
+    row<std::vector<qint64>>("int64[]", "ax"),
+    row<std::vector<quint64>>("uint64[]", "at"),
+    row<std::vector<double>>("double[]", "ad"),
 };
 static_assert(std::size(types) == static_cast<std::size_t>(ValueType::DoubleArray) + 1,
               "one row for each type, in the order of the enumeration");
@@ -205,25 +320,36 @@ const TypeRow &rowOf(ValueType type)
     return types[static_cast<std::size_t>(type)];
 }
 
-QString signatureOf(const QVariant &variant)
+std::optional<ValueType> typeWith(const char *TypeRow::*field, const QString &text)
 {
-    if (variant.userType() == qMetaTypeId<QDBusArgument>()) {
-        return variant.value<QDBusArgument>().currentSignature();
+    const auto *found = std::find_if(std::begin(types), std::end(types), [&](const TypeRow &each) {
+        return text == QLatin1String(each.*field);
+    });
+    if (found == std::end(types)) {
+        return {};
     }
-    return QString::fromLatin1(QDBusMetaType::typeToSignature(variant.userType()));
+    return static_cast<ValueType>(found - std::begin(types));
 }
 
 } // namespace
 
 std::optional<ValueType> typeNamed(const QString &name)
 {
-    const auto *row =
-        std::find_if(std::begin(types), std::end(types),
-                     [&name](const TypeRow &each) { return name == QLatin1String(each.name); });
-    if (row == std::end(types)) {
-        return {};
+    return typeWith(&TypeRow::name, name);
+}
+
+std::optional<ValueType> typeWithSignature(const QString &signature)
+{
+    return typeWith(&TypeRow::signature, signature);
+}
+
+QString typeNames()
+{
+    QStringList names;
+    for (const TypeRow &each : types) {
+        names.append(QString::fromLatin1(each.name));
     }
-    return static_cast<ValueType>(row - std::begin(types));
+    return names.join(QLatin1String(", "));
 }
 
 QString typeName(ValueType type)
@@ -236,6 +362,14 @@ QString busSignature(ValueType type)
     return QString::fromLatin1(rowOf(type).signature);
 }
 
+QString signatureOf(const QVariant &variant)
+{
+    if (variant.userType() == qMetaTypeId<QDBusArgument>()) {
+        return variant.value<QDBusArgument>().currentSignature();
+    }
+    return QString::fromLatin1(QDBusMetaType::typeToSignature(variant.userType()));
+}
+
 bool isArray(ValueType type)
 {
     return type >= ValueType::StringArray;
@@ -246,31 +380,27 @@ bool isNumber(ValueType type)
     return type >= ValueType::Int32 && type <= ValueType::Double;
 }
 
-Conversion valueFromJson(ValueType type, const QJsonValue &json)
+QVariant valueFromJson(ValueType type, const Json &json, const Place &place)
 {
-    return rowOf(type).fromJson(json);
+    return rowOf(type).fromJson(json, place);
 }
 
-Conversion valueFromText(ValueType type, const QString &text)
+QVariant valueFromText(ValueType type, const QString &text, const Place &place)
 {
-    if (isArray(type)) {
-        return { {}, QStringLiteral("is an array, not a single value") };
-    }
-    return rowOf(type).fromText(text);
+    return rowOf(type).fromText(text, place);
 }
 
-Conversion valueFromBus(ValueType type, const QVariant &variant)
+QVariant valueFromBus(ValueType type, const QVariant &variant, const Place &place)
 {
     const QString found = signatureOf(variant);
     if (found != busSignature(type)) {
-        return { {},
-                 QStringLiteral("a value of D-Bus type %1 is not of type %2")
-                     .arg(quoted(found), quoted(busSignature(type))) };
+        throw place.refusal(QStringLiteral("a value of D-Bus type %1 is not of type %2")
+                                .arg(quoted(found), quoted(busSignature(type))));
     }
-    return rowOf(type).fromBus(variant);
+    return rowOf(type).fromBus(variant, place);
 }
 
-QJsonValue valueToJson(ValueType type, const QVariant &value)
+Json valueToJson(ValueType type, const QVariant &value)
 {
     return rowOf(type).toJson(value);
 }
@@ -289,4 +419,22 @@ bool sameValue(ValueType type, const QVariant &left, const QVariant &right)
 qint64 busSize(ValueType type, const QVariant &value)
 {
     return rowOf(type).busSize(value);
+}
+
+QString jsonKind(const Json &json)
+{
+    switch (json.type()) {
+    case Json::value_t::null:
+        return QStringLiteral("null");
+    case Json::value_t::boolean:
+        return QStringLiteral("a truth value");
+    case Json::value_t::string:
+        return QStringLiteral("a string");
+    case Json::value_t::array:
+        return QStringLiteral("an array");
+    case Json::value_t::object:
+        return QStringLiteral("an object");
+    default:
+        return QStringLiteral("a number");
+    }
 }

@@ -3,11 +3,16 @@
 // converted silently: what does not fit is refused with the reason.
 #pragma once
 
-#include <QJsonValue>
+#include "sim/errors.h"
+
 #include <QString>
 #include <QVariant>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <optional>
+
+using Json = nlohmann::json;
 
 /// An item's type; the order is that of the table in value.cpp.
 enum class ValueType {
@@ -26,36 +31,42 @@ enum class ValueType {
     DoubleArray,
 };
 
-/// A converted value, or what is wrong with it.
-struct Conversion {
-    QVariant value;
-    QString problem; ///< empty when the value is good, else such as `70000 does not fit int32`
-    int element = -1; ///< the array element that the problem is about; -1: the value as a whole
-};
+/// Longest text of an item, in UTF-16 units: what an item holds must fit a message of the bus.
+constexpr int longestText = 1048576;
 
 /// The type of this name in a catalogue, such as `uint32[]`.
 std::optional<ValueType> typeNamed(const QString &name);
+/// The type with this D-Bus signature.
+std::optional<ValueType> typeWithSignature(const QString &signature);
+/// All names, for a sentence.
+QString typeNames();
 /// The type's name in a catalogue.
 QString typeName(ValueType type);
 /// The type's D-Bus signature.
 QString busSignature(ValueType type);
+/// The D-Bus signature of what a variant of the bus holds.
+QString signatureOf(const QVariant &variant);
 /// Whether the type is one of the array forms.
 bool isArray(ValueType type);
 /// Whether the type is a single number.
 bool isNumber(ValueType type);
 
-/// Reads a JSON value; numbers may also stand as text, for 64 bits and for inf and nan.
-Conversion valueFromJson(ValueType type, const QJsonValue &json);
+/// Reads a JSON value; numbers may also stand as text, for inf and nan.
+QVariant valueFromJson(ValueType type, const Json &json, const Place &place);
 /// Reads a single value's text; no array can be read this way.
-Conversion valueFromText(ValueType type, const QString &text);
+QVariant valueFromText(ValueType type, const QString &text, const Place &place);
 /// Takes a value out of a variant of the bus, whose type must be exactly the item's.
-Conversion valueFromBus(ValueType type, const QVariant &variant);
+QVariant valueFromBus(ValueType type, const QVariant &variant, const Place &place);
 
-/// The JSON value that valueFromJson() reads back without loss.
-QJsonValue valueToJson(ValueType type, const QVariant &value);
+/// The JSON value that valueFromJson() reads back without loss; 64-bit numbers stand as text, which
+/// other readers of JSON keep exact.
+Json valueToJson(ValueType type, const QVariant &value);
 /// The value as text; the elements of an array are joined by one blank.
 QString valueToText(ValueType type, const QVariant &value);
 /// Whether two values of the type are the same; unlike ==, nan is the same as nan.
 bool sameValue(ValueType type, const QVariant &left, const QVariant &right);
 /// About how many bytes the value takes in a message; never less than it really does.
 qint64 busSize(ValueType type, const QVariant &value);
+
+/// What kind of JSON value this is, as in `is a number, not a string`.
+QString jsonKind(const Json &json);

@@ -217,11 +217,17 @@ void TestFiles::aDamagedFileChangesNothing_data()
     const auto row = [](const char *name, const QByteArray &contents, const char *problem) {
         QTest::newRow(name) << contents << text(problem);
     };
-    row("empty", "", "line 1, column 1: expected a value, found the end");
+    row("empty", "",
+        "line 1, column 1: syntax error while parsing value - unexpected end of input; expected "
+        "'[', "
+        "'{', or a literal");
     row("cut off", "{\n \"configs\": {\":config:data:ftp:port:\": 22",
-        "line 2, column 42: expected \",\" or \"}\", found the end");
+        "line 2, column 42: syntax error while parsing object - unexpected end of input; expected "
+        "'}'");
     row("not UTF-8", "{\"configs\": {\":config:data:ftp:port:\": \"\xff\"}}",
-        "line 1, column 41: invalid UTF8 string");
+        "line 1, column 41: syntax error while parsing value - invalid string: ill-formed UTF-8 "
+        "byte; "
+        "last read: '\"\xef\xbf\xbd'");
     row("an array", "[]", "line 1, column 1: is an array, not an object");
     row("nested beyond measure", QByteArray(100000, '['), "line 1, column 102: nested too deeply");
     row("without a format", R"({"configs": {":config:data:ftp:port:": 22}})", "format: is missing");
@@ -233,7 +239,8 @@ void TestFiles::aDamagedFileChangesNothing_data()
     row("with configs as a list", R"({"format": 1, "configs": [22]})",
         "configs: is an array, not an object");
     row("with more than it should have",
-        R"({"format": 1, "configs": {":config:data:ftp:port:": 22}, "x": 1})", "x: is not known");
+        R"({"format": 1, "configs": {":config:data:ftp:port:": 22}, "x": 1})",
+        "x: is not known; fields are format, configs");
     row("with an unknown id",
         R"({"format": 1, "configs": {":config:data:ftp:port:": 22, ":config:none:": 1}})",
         "configs[\":config:none:\"]: is not a config here");

@@ -228,8 +228,8 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
     row("a catalogue that is a directory", { text("--catalog"), text(".") },
         "2||movra-sim: the catalogue \".\" is no good: file to open is a directory\n");
     row("a catalogue with a syntax error", { text("--catalog"), text("syntax.json") },
-        "2||movra-sim: the catalogue \"syntax.json\" is no good: line 2, column 1: expected a "
-        "key, found \"}\"\n");
+        "2||movra-sim: the catalogue \"syntax.json\" is no good: line 2, column 1: syntax "
+        "error while parsing object key - unexpected '}'; expected string literal\n");
     row("a catalogue with a wrong value", { text("--catalog"), text("value.json") },
         "2||movra-sim: the catalogue \"value.json\" is no good: configs[0].value: 300000000000 "
         "does "

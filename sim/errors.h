@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// The one error type of the simulator, and how text from outside is shown in sentences.
+#pragma once
+
+#include <QLatin1Char>
+#include <QLatin1String>
+#include <QString>
+
+/// Why something cannot be done; thrown. It becomes the answer of the call that is being carried
+/// out, or the last line of the program.
+struct Refusal {
+    /// A word such as `BadValue`, which on the bus stands for varn.pim.Error.BadValue, or the whole
+    /// name of an error.
+    QString name;
+    QString sentence;
+    QString about; ///< the identifier whose log notes the refusal; null: no log does
+};
+
+/// At most 200 characters on one line: a longer text ends in "...", control characters become
+/// blanks. A sentence must stay far below what one bus message can carry.
+inline QString shown(const QString &text)
+{
+    constexpr int longest = 200;
+    QString line = text.left(longest);
+    if (!line.isEmpty() && line.at(line.size() - 1).isHighSurrogate()) {
+        line.chop(1);
+    }
+    for (QChar &character : line) {
+        if (character.category() == QChar::Other_Control) {
+            character = QLatin1Char(' ');
+        }
+    }
+    return text.size() > longest ? line + QLatin1String("...") : line;
+}
+
+/// shown() between double quotes.
+inline QString quoted(const QString &text)
+{
+    return QLatin1Char('"') + shown(text) + QLatin1Char('"');
+}
+
+/// No item, action or log has this identifier.
+inline Refusal unknownId(const QString &id)
+{
+    return { QStringLiteral("UnknownId"), QStringLiteral("There is no %1 here.").arg(quoted(id)),
+             id };
+}
+
+/// Where a value comes from: how the refusal of a value that does not fit names it.
+struct Place {
+    QString error; ///< the name of the refusal
+    QString intro; ///< begins the sentence
+    QString path; ///< such as `configs[3].value`; the reason follows after a colon
+    QString after; ///< ends the sentence
+    QString about; ///< as in Refusal
+    int element = -1; ///< of an array; -1: the value as a whole
+
+    Place in(const QString &key) const
+    {
+        Place place = *this;
+        place.path = path.isEmpty() ? key : path + QLatin1Char('.') + key;
+        return place;
+    }
+    Place at(int index) const
+    {
+        Place place = *this;
+        place.path += QStringLiteral("[%1]").arg(index);
+        return place;
+    }
+    Refusal refusal(const QString &reason) const
+    {
+        const QString where = element < 0 ? path : at(element).path;
+        return { error, intro + where + QLatin1String(": ") + reason + after, about };
+    }
+};

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+#include "sim/log.h"
+
+#include <QDBusMessage>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace
+{
+
+constexpr uint mostInstances = 256;
+
+constexpr const char *levelWords[] = { "ERROR",  "INFO",   "DEBUG", "DEBUG1",
+                                       "DEBUG2", "DEBUG3", "DEBUG4" };
+
+Refusal badValue(const QString &sentence)
+{
+    return { QStringLiteral("BadValue"), sentence, {} };
+}
+
+Refusal malformed(const QString &value, const char *wanted)
+{
+    return badValue(QStringLiteral("%1 is not of the form %2.")
+                        .arg(quoted(value), quoted(QString::fromLatin1(wanted))));
+}
+
+/// The fields of an identifier, which colons surround and separate.
+QStringList fieldsOf(const QString &id)
+{
+    // A client may send an identifier of many millions of fields.
+    constexpr int longestId = 1000;
+    return id.left(longestId).split(QLatin1Char(':'), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+Announcer::Announcer(const QDBusConnection &bus, QString objectPath)
+    : connection(bus)
+    , path(std::move(objectPath))
+{
+}
+
+void Announcer::send(const Signal &signal) const
+{
+    QDBusMessage message =
+        QDBusMessage::createSignal(path, QStringLiteral("varn.pim"), signal.member);
+    message.setArguments(signal.arguments);
+    connection.send(message);
+}
+
+Log::Log(const QStringList &logNames, const QStringList &debugLogNames, StateFiles &stateFiles,
+         Announcer &logAnnouncer)
+    : files(stateFiles)
+    , announcer(logAnnouncer)
+{
+    for (const QString &name : logNames) {
+        logs.insert(name, false);
+    }
+    for (const QString &name : debugLogNames) {
+        debugLogs.insert(name, {});
+    }
+}
+
+void Log::record(LogLevel level, const QString &id, const QString &text)
+{
+    const QString entry = shown(id) + QLatin1Char(' ') + text;
+    const QStringList fields = fieldsOf(id);
+    if (file && level <= reportingLevel) {
+        const QString name = QLatin1String("LOG_") + fields.value(1).toUpper();
+        const uint number = fields.isEmpty() ? 0 : fields.last().toUInt();
+        const uint instance = number < mostInstances ? number : 0;
+        const auto found = debugLogs.constFind(name);
+        if (found != debugLogs.constEnd() && !found->contains(instance)) {
+            const QLatin1String word(levelWords[static_cast<std::size_t>(level)]);
+            write(QStringLiteral("%1 %2 %3\n").arg(word, name, entry));
+        }
+    }
+    const QString log = fields.value(0);
+    if (logs.value(log)) {
+        announcer.info(QStringLiteral("log %1: %2").arg(log, entry));
+    }
+}
+
+void Log::write(const QString &line)
+{
+    const QByteArray bytes = line.toUtf8();
+    QString problem;
+    if (file->size() + bytes.size() > StateFiles::mostBytes) {
+        problem = QStringLiteral("it would be larger than 16 MiB");
+    } else if (file->write(bytes) != bytes.size()) {
+        problem = file->errorString();
+    }
+    if (!problem.isEmpty()) {
+        announcer.error(
+            QStringLiteral("the debug log cannot be written and is closed: %1").arg(problem));
+        file.reset();
+    }
+}
+
+void Log::check(const QString &name) const
+{
+    if (!logs.contains(name)) {
+        throw Refusal { QStringLiteral("UnknownId"), unknownId(name).sentence, {} };
+    }
+}
+
+void Log::announce(const QString &name, bool isOn)
+{
+    check(name);
+    logs[name] = isOn;
+}
+
+void Log::command(const QString &word, const QString &value)
+{
+    if (word == QLatin1String("SET") || word == QLatin1String("SET_ALL")) {
+        setInstances(value, word == QLatin1String("SET"));
+    } else if (word == QLatin1String("SET_REPORTING_LEVEL")) {
+        setReportingLevel(value);
+    } else if (word == QLatin1String("SAVE_TO")) {
+        saveTo(value);
+    } else if (word == QLatin1String("SAVE_STOP")) {
+        if (!value.isEmpty()) {
+            throw badValue(QStringLiteral("SAVE_STOP takes no value, but %1 came with it.")
+                               .arg(quoted(value)));
+        }
+        file.reset();
+    } else {
+        throw Refusal { QStringLiteral("UnknownCommand"),
+                        QStringLiteral("There is no command %1.").arg(quoted(word)),
+                        {} };
+    }
+}
+
+void Log::setInstances(const QString &value, bool isOne)
+{
+    // A client may send many millions of commas.
+    constexpr int longestValue = 100000;
+    QStringList parts = value.left(longestValue).split(QLatin1Char(','));
+    for (QString &part : parts) {
+        part = part.trimmed();
+    }
+    const bool isOff = parts.last() == QLatin1String("DISABLED");
+    bool isNumber = !isOne;
+    const uint instance = isOne ? parts.value(1).toUInt(&isNumber) : 0;
+    if (value.size() > longestValue || parts.size() != (isOne ? 3 : 2) || !isNumber
+        || instance >= mostInstances || (!isOff && parts.last() != QLatin1String("ENABLED"))) {
+        throw malformed(value,
+                        isOne ? "<log>, <instance 0 to 255>, ENABLED|DISABLED"
+                              : "<log>, ENABLED|DISABLED");
+    }
+    const auto found = debugLogs.find(parts.first());
+    if (found == debugLogs.end()) {
+        throw Refusal { QStringLiteral("UnknownId"), unknownId(parts.first()).sentence, {} };
+    }
+    for (uint each = isOne ? instance : 0; each <= (isOne ? instance : mostInstances - 1); ++each) {
+        if (isOff) {
+            found->insert(each);
+        } else {
+            found->remove(each);
+        }
+    }
+}
+
+void Log::setReportingLevel(const QString &value)
+{
+    const auto *word =
+        std::find_if(std::begin(levelWords), std::end(levelWords),
+                     [&value](const char *each) { return value == QLatin1String(each); });
+    if (word == std::end(levelWords)) {
+        throw malformed(value, "ERROR|INFO|DEBUG|DEBUG1|DEBUG2|DEBUG3|DEBUG4");
+    }
+    reportingLevel = static_cast<LogLevel>(word - std::begin(levelWords));
+}
+
+void Log::saveTo(const QString &value)
+{
+    // A client names a path of its own world; the file lies in the state directory all the same.
+    fileName = value.mid(value.lastIndexOf(QLatin1Char('/')) + 1);
+    file = files.create(fileName);
+    announcer.info(QStringLiteral("debug log goes to %1").arg(files.pathOf(fileName)));
+}
