@@ -32,6 +32,8 @@ It owns a name on the D-Bus session bus and answers the whole of the
 interface varn.pim out of a catalogue of items, so that requests, scripts and
 tests can be tried on a machine without the real service.")
 set(CPACK_DEBIAN_MOVRA-SIM_PACKAGE_ENHANCES movra)
+# The bus that a command runs on.
+set(CPACK_DEBIAN_MOVRA-SIM_PACKAGE_RECOMMENDS dbus-daemon)
 
 # What Debian wants and a plain installation does not have.
 string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC)

@@ -46,19 +46,18 @@ void Actions::start(const QString &id, const QString *value)
         throw unknownId(id);
     }
     if (stepsDone.contains(index)) {
-        throw Refusal { QStringLiteral("Busy"),
-                        QStringLiteral("%1 is running already.").arg(quoted(id)), id };
+        throw Refusal { "Busy"_q, "%1 is running already."_q.arg(quoted(id)), id };
     }
     // The value comes back in a signal, together with the identifier.
     if (value != nullptr && value->size() > longestText) {
-        throw Refusal { QStringLiteral("BadValue"),
-                        QStringLiteral("The value for %1 is longer than %2 characters.")
-                            .arg(quoted(id), QString::number(longestText)),
+        throw Refusal { "BadValue"_q,
+                        "The value for %1 is longer than %2 characters."_q.arg(
+                            quoted(id), QString::number(longestText)),
                         id };
     }
     stepsDone.insert(index, 0);
-    const QString with = value == nullptr ? QString() : QStringLiteral(" with ");
-    const QString started = QStringLiteral("started") + with;
+    const QString with = value == nullptr ? QString() : " with "_q;
+    const QString started = "started"_q + with;
     log.record(LogLevel::Info, id, value == nullptr ? started : started + shown(*value));
     announcer.info(id + QLatin1Char(' ') + (value == nullptr ? started : started + *value));
     drive(all.at(index), 0);
@@ -67,7 +66,7 @@ void Actions::start(const QString &id, const QString *value)
 
 QString Actions::replyTo(const QString &id, const QString &value) const
 {
-    const QString placeholder = QStringLiteral("%1");
+    const QString placeholder = "%1"_q;
     QString reply = all.at(indexes.value(id)).reply;
     const int at = reply.indexOf(placeholder);
     return at < 0 ? reply : reply.replace(at, placeholder.size(), value);
@@ -104,8 +103,7 @@ void Actions::drive(const Action &action, int percent)
         return;
     }
     const Item &item = items.at(action.drivenItem);
-    log.record(LogLevel::Info, item.id,
-               QStringLiteral("driven to %1 by %2").arg(percent).arg(shown(action.id)));
+    log.record(LogLevel::Info, item.id, "driven to %1 by %2"_q.arg(percent).arg(shown(action.id)));
     items.assign({ { action.drivenItem, valueFromText(item.type, QString::number(percent), {}) } });
 }
 
@@ -113,7 +111,7 @@ void Actions::end(int index)
 {
     stepsDone.remove(index);
     const Action &action = all.at(index);
-    log.record(LogLevel::Info, action.id, QStringLiteral("ended"));
+    log.record(LogLevel::Info, action.id, "ended"_q);
     for (const Signal &signal : action.ends) {
         announcer.send(signal);
     }

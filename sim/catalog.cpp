@@ -32,7 +32,7 @@ Refusal syntaxFault(const QByteArray &text, qint64 at, const QString &reason, co
 {
     const QByteArray before = text.left(static_cast<int>(at - 1));
     const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
-    return place.in(QStringLiteral("line %1, column %2").arg(before.count('\n') + 1).arg(column))
+    return place.in("line %1, column %2"_q.arg(before.count('\n') + 1).arg(column))
         .refusal(shown(reason));
 }
 
@@ -53,24 +53,22 @@ Json parseJson(const QByteArray &text, const Place &place)
         } else if (event == Json::parse_event_t::key
                    && !keys.back().insert(parsed.get<std::string>()).second) {
             const QString key = QString::fromStdString(parsed.get<std::string>());
-            throw syntaxFault(text, position(),
-                              QStringLiteral("the key %1 is there already").arg(quoted(key)),
+            throw syntaxFault(text, position(), "the key %1 is there already"_q.arg(quoted(key)),
                               place);
         }
         if (depth > deepest) {
-            throw syntaxFault(text, position(), QStringLiteral("nested too deeply"), place);
+            throw syntaxFault(text, position(), "nested too deeply"_q, place);
         }
         return true;
     };
     // The parser takes U+0000 for the end.
     if (const int nul = text.indexOf('\0'); nul >= 0) {
-        throw syntaxFault(text, nul + 1, QStringLiteral("U+0000 is no character of JSON"), place);
+        throw syntaxFault(text, nul + 1, "U+0000 is no character of JSON"_q, place);
     }
     try {
         Json json = Json::parse(stream, check);
         if (!json.is_object()) {
-            throw syntaxFault(text, 1, QStringLiteral("is %1, not an object").arg(jsonKind(json)),
-                              place);
+            throw syntaxFault(text, 1, "is %1, not an object"_q.arg(jsonKind(json)), place);
         }
         return json;
     } catch (const Json::exception &error) {
@@ -79,7 +77,7 @@ Json parseJson(const QByteArray &text, const Place &place)
             syntax == nullptr ? static_cast<qint64>(position()) : static_cast<qint64>(syntax->byte);
         // What the library says begins with its own name and the place.
         static const QRegularExpression beginning(
-            QStringLiteral("\\A\\[[^]]*\\] (parse error at line \\d+, column \\d+: )?"));
+            "\\A\\[[^]]*\\] (parse error at line \\d+, column \\d+: )?"_q);
         throw syntaxFault(text, at, QString::fromUtf8(error.what()).remove(beginning), place);
     }
 }
@@ -93,7 +91,7 @@ public:
         , place(std::move(whereItIs))
     {
         if (!object.is_object()) {
-            throw place.refusal(QStringLiteral("is %1, not an object").arg(jsonKind(object)));
+            throw place.refusal("is %1, not an object"_q.arg(jsonKind(object)));
         }
     }
 
@@ -115,7 +113,7 @@ public:
     {
         const Json *found = find(key);
         if (found == nullptr) {
-            throw refusal(key, QStringLiteral("is missing"));
+            throw refusal(key, "is missing"_q);
         }
         return *found;
     }
@@ -127,7 +125,7 @@ public:
     {
         const QString found = text(key);
         if (found.isEmpty()) {
-            throw refusal(key, QStringLiteral("is empty"));
+            throw refusal(key, "is empty"_q);
         }
         return found;
     }
@@ -135,7 +133,7 @@ public:
     {
         const Json &found = need(key);
         if (!found.is_array()) {
-            throw refusal(key, QStringLiteral("is %1, not an array").arg(jsonKind(found)));
+            throw refusal(key, "is %1, not an array"_q.arg(jsonKind(found)));
         }
         return found;
     }
@@ -147,12 +145,11 @@ public:
             return otherwise;
         }
         if (!found->is_number()) {
-            throw refusal(key, QStringLiteral("is %1, not a number").arg(jsonKind(*found)));
+            throw refusal(key, "is %1, not a number"_q.arg(jsonKind(*found)));
         }
         const int number = valueFromJson(ValueType::Int32, *found, in(key)).toInt();
         if (number < least || number > greatest) {
-            throw refusal(
-                key, QStringLiteral("%1 is not in %2 to %3").arg(number).arg(least).arg(greatest));
+            throw refusal(key, "%1 is not in %2 to %3"_q.arg(number).arg(least).arg(greatest));
         }
         return number;
     }
@@ -168,8 +165,7 @@ public:
             const QString key = QString::fromStdString(field.key());
             if (!taken.contains(key)) {
                 throw place.in(shown(key))
-                    .refusal(QStringLiteral("is not known; fields are %1")
-                                 .arg(taken.join(QLatin1String(", "))));
+                    .refusal("is not known; fields are %1"_q.arg(taken.join(", "_q)));
             }
         }
     }
@@ -196,12 +192,11 @@ public:
         readEntries(top, "actions", [this](Fields &fields) { readAction(fields); });
         // LogGetIds joins the names by blanks, and the debug log's commands separate them by
         // commas.
-        catalog.logs =
-            readNames(top, "logs", QRegularExpression(QStringLiteral("\\A[^\\s[:cntrl:]:]+\\z")),
-                      "a name without blanks and colons");
-        catalog.debugLogs = readNames(
-            top, "debugLogs", QRegularExpression(QStringLiteral("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z")),
-            "LOG_ and a name in upper case");
+        catalog.logs = readNames(top, "logs", QRegularExpression("\\A[^\\s[:cntrl:]:]+\\z"_q),
+                                 "a name without blanks and colons");
+        catalog.debugLogs =
+            readNames(top, "debugLogs", QRegularExpression("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z"_q),
+                      "LOG_ and a name in upper case");
         top.refuseOthers();
     }
 
@@ -220,7 +215,7 @@ private:
     {
         const QString id = fields.name("id");
         if (indexes.contains(id)) {
-            throw fields.refusal("id", QStringLiteral("%1 is there already").arg(quoted(id)));
+            throw fields.refusal("id", "%1 is there already"_q.arg(quoted(id)));
         }
         indexes.insert(id, -1);
         return id;
@@ -234,9 +229,8 @@ private:
         const QString typeText = fields.name("type");
         const auto type = typeNamed(typeText);
         if (!type) {
-            throw fields.refusal("type",
-                                 QStringLiteral("%1 is not a type; types are %2")
-                                     .arg(quoted(typeText), typeNames()));
+            throw fields.refusal(
+                "type", "%1 is not a type; types are %2"_q.arg(quoted(typeText), typeNames()));
         }
         item.type = *type;
         item.value = fields.value(item.type, "value");
@@ -250,20 +244,18 @@ private:
     {
         Action action;
         action.id = readId(fields);
-        action.reply =
-            fields.find("reply") == nullptr ? QStringLiteral("started") : fields.text("reply");
+        action.reply = fields.find("reply") == nullptr ? "started"_q : fields.text("reply");
         action.duration = fields.integer("duration", 0, longestDuration, 0);
         if (fields.find("drive") != nullptr) {
             const QString id = fields.name("drive");
             action.drivenItem = indexes.value(id, -1);
             if (action.drivenItem < 0 || !isDriven(catalog.items.at(action.drivenItem))) {
-                throw fields.refusal(
-                    "drive",
-                    QStringLiteral("%1 is not a result with a single number").arg(quoted(id)));
+                throw fields.refusal("drive",
+                                     "%1 is not a result with a single number"_q.arg(quoted(id)));
             }
         }
         if (fields.find("ends") == nullptr) {
-            action.ends.append({ QStringLiteral("SigTestComplete"), { action.id } });
+            action.ends.append({ "SigTestComplete"_q, { action.id } });
         } else {
             readEntries(fields, "ends",
                         [&action](Fields &end) { action.ends.append(readSignal(end)); });
@@ -278,30 +270,23 @@ private:
 
     static Signal readSignal(Fields &fields)
     {
-        static const QString withData = QStringLiteral("SigTestCompleteWithData");
+        static const QString withData = "SigTestCompleteWithData"_q;
         static const QStringList members {
-            QStringLiteral("SigAlarm"),
-            QStringLiteral("SigError"),
-            QStringLiteral("SigInfo"),
-            QStringLiteral("SigTestComplete"),
-            withData,
-            QStringLiteral("SigUpdate"),
+            "SigAlarm"_q, "SigError"_q, "SigInfo"_q, "SigTestComplete"_q, withData, "SigUpdate"_q,
         };
         Signal signal { fields.name("signal"), {} };
         if (!members.contains(signal.member)) {
-            throw fields.refusal(
-                "signal",
-                QStringLiteral("%1 is not a signal to send; signals are %2")
-                    .arg(quoted(signal.member), members.join(QLatin1String(", "))));
+            throw fields.refusal("signal",
+                                 "%1 is not a signal to send; signals are %2"_q.arg(
+                                     quoted(signal.member), members.join(", "_q)));
         }
         signal.arguments.append(fields.text("message"));
         if (signal.member == withData) {
             const QString typeText = fields.name("type");
             const auto type = typeNamed(typeText);
             if (type != ValueType::DoubleArray && type != ValueType::Uint32Array) {
-                throw fields.refusal(
-                    "type",
-                    QStringLiteral("%1 is neither double[] nor uint32[]").arg(quoted(typeText)));
+                throw fields.refusal("type",
+                                     "%1 is neither double[] nor uint32[]"_q.arg(quoted(typeText)));
             }
             signal.arguments.append(fields.value(*type, "data"));
         }
@@ -318,10 +303,10 @@ private:
             const QString name =
                 entry.is_string() ? QString::fromStdString(entry.get<std::string>()) : QString();
             if (!form.match(name).hasMatch()) {
-                throw place.refusal(QStringLiteral("is not %1").arg(QLatin1String(formInWords)));
+                throw place.refusal("is not %1"_q.arg(QLatin1String(formInWords)));
             }
             if (known.contains(name)) {
-                throw place.refusal(QStringLiteral("%1 is there already").arg(quoted(name)));
+                throw place.refusal("%1 is there already"_q.arg(quoted(name)));
             }
             known.insert(name);
             names.append(name);
@@ -337,7 +322,7 @@ private:
 
 Catalog readCatalog(const QByteArray &text, const QString &intro)
 {
-    const Place place { QStringLiteral("Catalog"), intro, {}, {}, {} };
+    const Place place { "Catalog"_q, intro };
     const Json json = parseJson(text, place);
     Fields top(json, place);
     Catalog catalog;
@@ -348,19 +333,17 @@ Catalog readCatalog(const QByteArray &text, const QString &intro)
 Catalog loadCatalog(const QString &fileName)
 {
     if (fileName.isEmpty()) {
-        return readCatalog(builtIn(QStringLiteral("catalog.json")));
+        return readCatalog(builtIn("catalog.json"_q));
     }
-    const QString intro = QStringLiteral("the catalogue %1 is no good: ").arg(quoted(fileName));
+    const QString intro = "the catalogue %1 is no good: "_q.arg(quoted(fileName));
     QFile file(fileName);
     const QByteArray bytes =
         file.open(QIODevice::ReadOnly) ? file.read(StateFiles::mostBytes + 1) : QByteArray();
     if (file.error() != QFileDevice::NoError) {
-        throw Refusal { QStringLiteral("Catalog"), intro + file.errorString(), {} };
+        throw Refusal { "Catalog"_q, intro + file.errorString() };
     }
     if (bytes.size() > StateFiles::mostBytes) {
-        throw Refusal { QStringLiteral("Catalog"),
-                        intro + QLatin1String("is larger than 16 MiB"),
-                        {} };
+        throw Refusal { "Catalog"_q, intro + "is larger than 16 MiB"_q };
     }
     return readCatalog(bytes, intro);
 }
@@ -368,7 +351,7 @@ Catalog loadCatalog(const QString &fileName)
 QByteArray builtIn(const QString &name)
 {
     nameResources();
-    QFile file(QLatin1String(":/movra-sim/") + name);
+    QFile file(":/movra-sim/"_q + name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
@@ -389,25 +372,25 @@ QByteArray writeConfigs(const Items &items)
 QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const QString &intro,
                                 const QString &after)
 {
-    const Place place { QStringLiteral("File"), intro, {}, after, {} };
+    const Place place { "File"_q, intro, {}, after };
     const Json json = parseJson(text, place);
     Fields top(json, place);
     if (top.need("format") != Json(1)) {
-        throw top.refusal("format", QStringLiteral("is not 1"));
+        throw top.refusal("format", "is not 1"_q);
     }
     const Json &configs = top.need("configs");
     if (!configs.is_object()) {
-        throw top.refusal("configs", QStringLiteral("is %1, not an object").arg(jsonKind(configs)));
+        throw top.refusal("configs", "is %1, not an object"_q.arg(jsonKind(configs)));
     }
     top.refuseOthers();
 
     QVector<Assignment> assignments;
     for (auto field = configs.begin(); field != configs.end(); ++field) {
         const QString id = QString::fromStdString(field.key());
-        const Place at = place.in(QStringLiteral("configs[%1]").arg(quoted(id)));
+        const Place at = place.in("configs[%1]"_q.arg(quoted(id)));
         const int index = items.indexOf(id);
         if (index < 0 || items.at(index).kind != ItemKind::Config) {
-            throw at.refusal(QStringLiteral("is not a config here"));
+            throw at.refusal("is not a config here"_q);
         }
         assignments.append({ index, valueFromJson(items.at(index).type, *field, at) });
     }

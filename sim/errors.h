@@ -6,6 +6,14 @@
 #include <QLatin1String>
 #include <QString>
 
+#include <cstddef>
+
+/// A literal as text; it is UTF-8.
+inline QString operator""_q(const char *text, std::size_t length)
+{
+    return QString::fromUtf8(text, static_cast<int>(length));
+}
+
 /// Why something cannot be done; thrown. It becomes the answer of the call that is being carried
 /// out, or the last line of the program.
 struct Refusal {
@@ -13,7 +21,7 @@ struct Refusal {
     /// name of an error.
     QString name;
     QString sentence;
-    QString about; ///< the identifier whose log notes the refusal; null: no log does
+    QString about = {}; ///< the identifier whose log notes the refusal; null: no log does
 };
 
 /// At most 200 characters on one line: a longer text ends in "...", control characters become
@@ -30,7 +38,7 @@ inline QString shown(const QString &text)
             character = QLatin1Char(' ');
         }
     }
-    return text.size() > longest ? line + QLatin1String("...") : line;
+    return text.size() > longest ? line + "..."_q : line;
 }
 
 /// shown() between double quotes.
@@ -42,17 +50,16 @@ inline QString quoted(const QString &text)
 /// No item, action or log has this identifier.
 inline Refusal unknownId(const QString &id)
 {
-    return { QStringLiteral("UnknownId"), QStringLiteral("There is no %1 here.").arg(quoted(id)),
-             id };
+    return { "UnknownId"_q, "There is no %1 here."_q.arg(quoted(id)), id };
 }
 
 /// Where a value comes from: how the refusal of a value that does not fit names it.
 struct Place {
     QString error; ///< the name of the refusal
-    QString intro; ///< begins the sentence
-    QString path; ///< such as `configs[3].value`; the reason follows after a colon
-    QString after; ///< ends the sentence
-    QString about; ///< as in Refusal
+    QString intro = {}; ///< begins the sentence
+    QString path = {}; ///< such as `configs[3].value`; the reason follows after a colon
+    QString after = {}; ///< ends the sentence
+    QString about = {}; ///< as in Refusal
     int element = -1; ///< of an array; -1: the value as a whole
 
     Place in(const QString &key) const
@@ -64,12 +71,12 @@ struct Place {
     Place at(int index) const
     {
         Place place = *this;
-        place.path += QStringLiteral("[%1]").arg(index);
+        place.path += "[%1]"_q.arg(index);
         return place;
     }
     Refusal refusal(const QString &reason) const
     {
         const QString where = element < 0 ? path : at(element).path;
-        return { error, intro + where + QLatin1String(": ") + reason + after, about };
+        return { error, intro + where + ": "_q + reason + after, about };
     }
 };

@@ -28,28 +28,25 @@ constexpr KindRow kinds[] = {
     { "silence", Fault::Kind::Silence, Value::None },
 };
 
-const QString everyMember = QStringLiteral("*");
+const QString everyMember = "*"_q;
 
 } // namespace
 
 Fault readFault(const QString &text)
 {
     const auto wrong = [&text](const QString &reason) {
-        return Refusal {
-            QStringLiteral("Usage"),
-            QStringLiteral("The fault %1 is no good: %2. See movra-sim --help.")
-                .arg(quoted(text), reason),
-            {},
-        };
+        return Refusal { "Usage"_q,
+                         "The fault %1 is no good: %2. See movra-sim --help."_q.arg(quoted(text),
+                                                                                    reason) };
     };
     const int equals = text.indexOf(QLatin1Char('='));
     if (equals < 0) {
-        throw wrong(QStringLiteral("it is not of the form MEMBER=FAULT"));
+        throw wrong("it is not of the form MEMBER=FAULT"_q);
     }
     Fault fault;
     fault.member = text.left(equals);
     if (fault.member != everyMember && !Service::hasMember(fault.member)) {
-        throw wrong(QStringLiteral("the interface has no member %1").arg(quoted(fault.member)));
+        throw wrong("the interface has no member %1"_q.arg(quoted(fault.member)));
     }
     const QString what = text.mid(equals + 1);
     const QString word = what.section(QLatin1Char(':'), 0, 0);
@@ -60,18 +57,17 @@ Fault readFault(const QString &text)
                      [&word](const KindRow &each) { return word == QLatin1String(each.word); });
     if (row == std::end(kinds) || (row->value == Value::None && hasValue)
         || (row->value == Value::Required && !hasValue)) {
-        throw wrong(
-            QStringLiteral("%1 is not delay:MS, refuse, refuse:TEXT, wrong-type, vanish or silence")
-                .arg(quoted(what)));
+        throw wrong("%1 is not delay:MS, refuse, refuse:TEXT, wrong-type, vanish or silence"_q.arg(
+            quoted(what)));
     }
     fault.kind = row->kind;
-    fault.text = value.isEmpty() ? QStringLiteral("This call is refused on demand.") : value;
+    fault.text = value.isEmpty() ? "This call is refused on demand."_q : value;
     if (fault.kind == Fault::Kind::Delay) {
         bool isNumber = false;
         fault.delay = value.toInt(&isNumber);
         if (!isNumber || fault.delay < 0 || fault.delay > longestDelay) {
-            throw wrong(QStringLiteral("%1 is not in 0 to %2 milliseconds")
-                            .arg(quoted(value), QString::number(longestDelay)));
+            throw wrong("%1 is not in 0 to %2 milliseconds"_q.arg(quoted(value),
+                                                                  QString::number(longestDelay)));
         }
     }
     return fault;

@@ -25,28 +25,34 @@ namespace
 // A signal handler may do next to nothing, so it writes one byte for the event loop to find.
 std::array<int, 2> wakePipe { -1, -1 };
 
-void wake(int signalNumber)
+void wake(int /*signalNumber*/)
 {
     const int savedError = errno;
-    const char byte = static_cast<char>(signalNumber);
+    const char byte = 0;
     // When the pipe is full, the event loop has enough to find.
     [[maybe_unused]] const ssize_t written = ::write(wakePipe[1], &byte, sizeof byte);
     errno = savedError;
 }
 
-/// Turns a signal into a byte of the pipe.
-void catchSignal(int number)
+/// Lets the signals that end the program end the event loop.
+void catchSignals(QObject *context)
 {
-    struct sigaction action {
-    };
-    action.sa_handler = &wake;
-    action.sa_flags = SA_RESTART;
-    ::sigaction(number, &action, nullptr);
-}
-
-Refusal refusal(const char *name, const QString &sentence)
-{
-    return { QString::fromLatin1(name), sentence, {} };
+    if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+        // They then keep ending the process at once.
+        return;
+    }
+    auto *notifier = new QSocketNotifier(wakePipe[0], QSocketNotifier::Read, context);
+    QObject::connect(notifier, &QSocketNotifier::activated, context, [notifier] {
+        notifier->setEnabled(false);
+        QCoreApplication::quit();
+    });
+    for (const int number : { SIGINT, SIGTERM }) {
+        struct sigaction action {
+        };
+        action.sa_handler = &wake;
+        action.sa_flags = SA_RESTART;
+        ::sigaction(number, &action, nullptr);
+    }
 }
 
 void ownName(const QDBusConnection &bus, const QString &name)
@@ -56,71 +62,54 @@ void ownName(const QDBusConnection &bus, const QString &name)
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
         return;
     }
-    const QString reason =
-        reply.isValid() ? QStringLiteral("somebody else owns it") : reply.error().message();
-    throw refusal(bus.isConnected() ? "Name" : "Bus",
-                  QStringLiteral("the bus name %1 cannot be owned: %2").arg(quoted(name), reason));
+    const QString reason = reply.isValid() ? "somebody else owns it"_q : reply.error().message();
+    throw Refusal { bus.isConnected() ? "Name"_q : "Bus"_q,
+                    "the bus name %1 cannot be owned: %2"_q.arg(quoted(name), reason) };
 }
 
 } // namespace
 
-void Host::serve(const Options &options, void (*announceReady)())
+void Host::serve(const Options &options, const std::function<void()> &announceReady)
 {
-    static const QRegularExpression objectPath(QStringLiteral("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"));
+    static const QRegularExpression objectPath("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"_q);
     if (!objectPath.match(options.path).hasMatch()) {
-        throw refusal("Path", QStringLiteral("%1 is not an object path").arg(quoted(options.path)));
+        throw Refusal { "Path"_q, "%1 is not an object path"_q.arg(quoted(options.path)) };
     }
     const Catalog catalog = loadCatalog(options.catalogFile);
     StateFiles files(options.stateDirectory
                          ? QDir::current().absoluteFilePath(*options.stateDirectory)
                          : StateFiles::defaultDirectory());
     if (options.stateDirectory) {
-        const Place place { QStringLiteral("State"),
-                            {},
-                            QStringLiteral("the state directory cannot be used"),
-                            {},
-                            {} };
+        const Place place { "State"_q, {}, "the state directory cannot be used"_q };
         if (options.stateDirectory->isEmpty()) {
-            throw place.refusal(QStringLiteral("its name is empty"));
+            throw place.refusal("its name is empty"_q);
         }
         files.prepare(place);
     }
 
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
-        throw refusal("Bus",
-                      QStringLiteral("there is no session bus: %1").arg(bus.lastError().message()));
+        throw Refusal { "Bus"_q, "there is no session bus: "_q + bus.lastError().message() };
     }
-    bus.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
-                QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                SLOT(busLost()));
+    bus.connect({}, "/org/freedesktop/DBus/Local"_q, "org.freedesktop.DBus.Local"_q,
+                "Disconnected"_q, this, SLOT(busLost()));
     Announcer announcer(bus, options.path);
     Service service(catalog, files, announcer, options.faults);
     bus.registerVirtualObject(options.path, &service);
     constexpr int withoutAWord = 1;
     connect(&service, &Service::vanished, this, [] { QCoreApplication::exit(withoutAWord); });
-
-    if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
-        throw refusal("Bus", qt_error_string(errno));
-    }
-    QSocketNotifier notifier(wakePipe[0], QSocketNotifier::Read);
-    connect(&notifier, &QSocketNotifier::activated, this, &QCoreApplication::quit);
-    for (const int number : { SIGINT, SIGTERM }) {
-        catchSignal(number);
-    }
-
+    catchSignals(this);
     ownName(bus, options.service);
     announceReady();
     if (QCoreApplication::exec() != withoutAWord) {
-        announcer.send(
-            { QStringLiteral("SigDBusServerClosing"), { QStringLiteral("movra-sim is closing") } });
+        announcer.send({ "SigDBusServerClosing"_q, { "movra-sim is closing"_q } });
     }
     // The answer of the bus to this call shows that all that was sent before it has arrived as
     // well.
     bus.unregisterService(options.service);
     bus.unregisterObject(options.path);
     if (!hasBus) {
-        throw refusal("Bus", QStringLiteral("the session bus went away"));
+        throw Refusal { "Bus"_q, "the session bus went away"_q };
     }
 }
 

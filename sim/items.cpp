@@ -96,7 +96,7 @@ void Items::announce(ItemKind kind)
     const auto changed = std::exchange(of(kind).pending, {});
     for (auto each = changed.keyBegin(); each != changed.keyEnd(); ++each) {
         const Item &item = at(*each);
-        announcer.send({ QStringLiteral("SigUpdate"),
-                         { item.id + QLatin1Char('=') + valueToText(item.type, item.value) } });
+        announcer.send(
+            { "SigUpdate"_q, { item.id + QLatin1Char('=') + valueToText(item.type, item.value) } });
     }
 }

@@ -17,13 +17,13 @@ constexpr const char *levelWords[] = { "ERROR",  "INFO",   "DEBUG", "DEBUG1",
 
 Refusal badValue(const QString &sentence)
 {
-    return { QStringLiteral("BadValue"), sentence, {} };
+    return { "BadValue"_q, sentence };
 }
 
 Refusal malformed(const QString &value, const char *wanted)
 {
-    return badValue(QStringLiteral("%1 is not of the form %2.")
-                        .arg(quoted(value), quoted(QString::fromLatin1(wanted))));
+    return badValue(
+        "%1 is not of the form %2."_q.arg(quoted(value), quoted(QString::fromLatin1(wanted))));
 }
 
 /// The fields of an identifier, which colons surround and separate.
@@ -44,8 +44,7 @@ Announcer::Announcer(const QDBusConnection &bus, QString objectPath)
 
 void Announcer::send(const Signal &signal) const
 {
-    QDBusMessage message =
-        QDBusMessage::createSignal(path, QStringLiteral("varn.pim"), signal.member);
+    QDBusMessage message = QDBusMessage::createSignal(path, "varn.pim"_q, signal.member);
     message.setArguments(signal.arguments);
     connection.send(message);
 }
@@ -68,18 +67,18 @@ void Log::record(LogLevel level, const QString &id, const QString &text)
     const QString entry = shown(id) + QLatin1Char(' ') + text;
     const QStringList fields = fieldsOf(id);
     if (file && level <= reportingLevel) {
-        const QString name = QLatin1String("LOG_") + fields.value(1).toUpper();
+        const QString name = "LOG_"_q + fields.value(1).toUpper();
         const uint number = fields.isEmpty() ? 0 : fields.last().toUInt();
         const uint instance = number < mostInstances ? number : 0;
         const auto found = debugLogs.constFind(name);
         if (found != debugLogs.constEnd() && !found->contains(instance)) {
             const QLatin1String word(levelWords[static_cast<std::size_t>(level)]);
-            write(QStringLiteral("%1 %2 %3\n").arg(word, name, entry));
+            write("%1 %2 %3\n"_q.arg(word, name, entry));
         }
     }
     const QString log = fields.value(0);
     if (logs.value(log)) {
-        announcer.info(QStringLiteral("log %1: %2").arg(log, entry));
+        announcer.info("log %1: %2"_q.arg(log, entry));
     }
 }
 
@@ -88,13 +87,12 @@ void Log::write(const QString &line)
     const QByteArray bytes = line.toUtf8();
     QString problem;
     if (file->size() + bytes.size() > StateFiles::mostBytes) {
-        problem = QStringLiteral("it would be larger than 16 MiB");
+        problem = "it would be larger than 16 MiB"_q;
     } else if (file->write(bytes) != bytes.size()) {
         problem = file->errorString();
     }
     if (!problem.isEmpty()) {
-        announcer.error(
-            QStringLiteral("the debug log cannot be written and is closed: %1").arg(problem));
+        announcer.error("the debug log cannot be written and is closed: %1"_q.arg(problem));
         file.reset();
     }
 }
@@ -102,7 +100,7 @@ void Log::write(const QString &line)
 void Log::check(const QString &name) const
 {
     if (!logs.contains(name)) {
-        throw Refusal { QStringLiteral("UnknownId"), unknownId(name).sentence, {} };
+        throw Refusal { "UnknownId"_q, unknownId(name).sentence };
     }
 }
 
@@ -114,22 +112,19 @@ void Log::announce(const QString &name, bool isOn)
 
 void Log::command(const QString &word, const QString &value)
 {
-    if (word == QLatin1String("SET") || word == QLatin1String("SET_ALL")) {
-        setInstances(value, word == QLatin1String("SET"));
-    } else if (word == QLatin1String("SET_REPORTING_LEVEL")) {
+    if (word == "SET"_q || word == "SET_ALL"_q) {
+        setInstances(value, word == "SET"_q);
+    } else if (word == "SET_REPORTING_LEVEL"_q) {
         setReportingLevel(value);
-    } else if (word == QLatin1String("SAVE_TO")) {
+    } else if (word == "SAVE_TO"_q) {
         saveTo(value);
-    } else if (word == QLatin1String("SAVE_STOP")) {
+    } else if (word == "SAVE_STOP"_q) {
         if (!value.isEmpty()) {
-            throw badValue(QStringLiteral("SAVE_STOP takes no value, but %1 came with it.")
-                               .arg(quoted(value)));
+            throw badValue("SAVE_STOP takes no value, but %1 came with it."_q.arg(quoted(value)));
         }
         file.reset();
     } else {
-        throw Refusal { QStringLiteral("UnknownCommand"),
-                        QStringLiteral("There is no command %1.").arg(quoted(word)),
-                        {} };
+        throw Refusal { "UnknownCommand"_q, "There is no command %1."_q.arg(quoted(word)) };
     }
 }
 
@@ -141,18 +136,18 @@ void Log::setInstances(const QString &value, bool isOne)
     for (QString &part : parts) {
         part = part.trimmed();
     }
-    const bool isOff = parts.last() == QLatin1String("DISABLED");
+    const bool isOff = parts.last() == "DISABLED"_q;
     bool isNumber = !isOne;
     const uint instance = isOne ? parts.value(1).toUInt(&isNumber) : 0;
     if (value.size() > longestValue || parts.size() != (isOne ? 3 : 2) || !isNumber
-        || instance >= mostInstances || (!isOff && parts.last() != QLatin1String("ENABLED"))) {
+        || instance >= mostInstances || (!isOff && parts.last() != "ENABLED"_q)) {
         throw malformed(value,
                         isOne ? "<log>, <instance 0 to 255>, ENABLED|DISABLED"
                               : "<log>, ENABLED|DISABLED");
     }
     const auto found = debugLogs.find(parts.first());
     if (found == debugLogs.end()) {
-        throw Refusal { QStringLiteral("UnknownId"), unknownId(parts.first()).sentence, {} };
+        throw Refusal { "UnknownId"_q, unknownId(parts.first()).sentence };
     }
     for (uint each = isOne ? instance : 0; each <= (isOne ? instance : mostInstances - 1); ++each) {
         if (isOff) {
@@ -179,5 +174,5 @@ void Log::saveTo(const QString &value)
     // A client names a path of its own world; the file lies in the state directory all the same.
     fileName = value.mid(value.lastIndexOf(QLatin1Char('/')) + 1);
     file = files.create(fileName);
-    announcer.info(QStringLiteral("debug log goes to %1").arg(files.pathOf(fileName)));
+    announcer.info("debug log goes to %1"_q.arg(files.pathOf(fileName)));
 }

@@ -29,9 +29,9 @@ public:
     /// Sends one signal; it is on its way, not delivered, when this returns.
     void send(const Signal &signal) const;
     /// Sends SigInfo.
-    void info(const QString &text) const { send({ QStringLiteral("SigInfo"), { text } }); }
+    void info(const QString &text) const { send({ "SigInfo"_q, { text } }); }
     /// Sends SigError.
-    void error(const QString &text) const { send({ QStringLiteral("SigError"), { text } }); }
+    void error(const QString &text) const { send({ "SigError"_q, { text } }); }
 
 private:
     QDBusConnection connection;

@@ -5,7 +5,12 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <array>
+#include <clocale>
 #include <cstdio>
+#include <cstring>
+#include <iterator>
 
 namespace
 {
@@ -13,8 +18,8 @@ namespace
 constexpr struct {
     const char *refusal;
     int status;
-} statuses[] = { { "Usage", 1 }, { "Catalog", 2 }, { "Bus", 3 },
-                 { "Name", 4 },  { "Path", 5 },    { "State", 6 } };
+} statuses[] = { { "Usage", 1 }, { "Catalog", 2 }, { "Bus", 3 },           { "Name", 4 },
+                 { "Path", 5 },  { "State", 6 },   { "NotRunnable", 126 }, { "NotFound", 127 } };
 
 void print(std::FILE *stream, const QString &text)
 {
@@ -22,33 +27,67 @@ void print(std::FILE *stream, const QString &text)
     std::fflush(stream);
 }
 
-void run(const Options &options)
+/// Carries out a task; a refusal becomes the last line, and its status that of the program.
+int carryOut(const std::function<int()> &task)
 {
+    try {
+        return task();
+    } catch (const Refusal &refusal) {
+        print(stderr, "movra-sim: %1\n"_q.arg(refusal.sentence));
+        const auto *found =
+            std::find_if(std::begin(statuses), std::end(statuses), [&refusal](const auto &each) {
+                return refusal.name == QLatin1String(each.refusal);
+            });
+        return found == std::end(statuses) ? 1 : found->status;
+    }
+}
+
+int serve(const Options &options, const std::function<void()> &announceReady)
+{
+    return carryOut([&] {
+        int count = 1;
+        std::array<char, 10> name { "movra-sim" };
+        std::array<char *, 2> words { name.data(), nullptr };
+        const QCoreApplication application(count, words.data());
+        Host().serve(options, announceReady);
+        return 0;
+    });
+}
+
+int run(int count, char **words)
+{
+    char **const end = words + count;
+    char **const separator =
+        std::find_if(words, end, [](const char *word) { return std::strcmp(word, "--") == 0; });
+    QStringList arguments;
+    std::transform(words, separator, std::back_inserter(arguments),
+                   [](const char *word) { return QString::fromLocal8Bit(word); });
+    Options options = parseOptions(arguments);
+    options.command = separator == end ? nullptr : separator + 1;
     switch (options.task) {
     case Options::Task::Help:
-        return print(stdout, helpText());
+        print(stdout, helpText());
+        return 0;
     case Options::Task::Version:
-        return print(stdout, versionText());
+        print(stdout, versionText());
+        return 0;
     case Options::Task::Serve:
-        return Host().serve(options, [] { print(stdout, QStringLiteral("ready\n")); });
+        break;
     }
+    if (options.command == nullptr) {
+        return serve(options, [] { print(stdout, "ready\n"_q); });
+    }
+    if (*options.command == nullptr) {
+        throw Refusal { "Usage"_q, "There is no command. See movra-sim --help."_q };
+    }
+    return runCommand(options, serve);
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
-    try {
-        run(parseOptions(QCoreApplication::arguments()));
-        return 0;
-    } catch (const Refusal &refusal) {
-        print(stderr, QStringLiteral("movra-sim: %1\n").arg(refusal.sentence));
-        for (const auto &each : statuses) {
-            if (refusal.name == QLatin1String(each.refusal)) {
-                return each.status;
-            }
-        }
-        return 1;
-    }
+    // Before there is an application object: a command is started from a process without threads.
+    std::setlocale(LC_ALL, "");
+    return carryOut([&] { return run(argc, argv); });
 }

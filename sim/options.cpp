@@ -6,32 +6,28 @@
 
 Options parseOptions(const QStringList &arguments)
 {
-    const QCommandLineOption service(QStringLiteral("service"), {}, QStringLiteral("NAME"),
-                                     QStringLiteral("com.varn.tul"));
-    const QCommandLineOption path(QStringLiteral("path"), {}, QStringLiteral("PATH"),
-                                  QStringLiteral("/"));
-    const QCommandLineOption catalog(QStringLiteral("catalog"), {}, QStringLiteral("FILE"));
-    const QCommandLineOption state(QStringLiteral("state"), {}, QStringLiteral("DIR"));
-    const QCommandLineOption fault(QStringLiteral("fault"), {}, QStringLiteral("MEMBER=FAULT"));
-    const QCommandLineOption help(QStringList { QStringLiteral("h"), QStringLiteral("help") });
-    const QCommandLineOption version(QStringLiteral("version"));
+    const QCommandLineOption service("service"_q, {}, "NAME"_q, "com.varn.tul"_q);
+    const QCommandLineOption path("path"_q, {}, "PATH"_q, "/"_q);
+    const QCommandLineOption catalog("catalog"_q, {}, "FILE"_q);
+    const QCommandLineOption state("state"_q, {}, "DIR"_q);
+    const QCommandLineOption fault("fault"_q, {}, "MEMBER=FAULT"_q);
+    const QCommandLineOption help(QStringList { "h"_q, "help"_q });
+    const QCommandLineOption version("version"_q);
     QCommandLineParser parser;
     parser.addOptions({ service, path, catalog, state, fault, help, version });
 
     const auto wrong = [](const QString &sentence) {
-        return Refusal { QStringLiteral("Usage"),
-                         sentence + QStringLiteral(" See movra-sim --help."),
-                         {} };
+        return Refusal { "Usage"_q, sentence + " See movra-sim --help."_q };
     };
     if (!parser.parse(arguments)) {
         throw wrong(parser.errorText());
     }
     if (!parser.positionalArguments().isEmpty()) {
-        throw wrong(QStringLiteral("%1 is one argument too many.")
-                        .arg(quoted(parser.positionalArguments().first())));
+        throw wrong(
+            "%1 is one argument too many."_q.arg(quoted(parser.positionalArguments().first())));
     }
     if (parser.isSet(catalog) && parser.value(catalog).isEmpty()) {
-        throw wrong(QStringLiteral("The name of the catalogue is empty."));
+        throw wrong("The name of the catalogue is empty."_q);
     }
     Options options;
     for (const QString &text : parser.values(fault)) {
@@ -55,11 +51,15 @@ QString helpText()
 {
     return QStringLiteral(
         R"(Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]
-                 [--fault MEMBER=FAULT]...
+                 [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]
 
 A stand-in for the application service that movra talks to. It owns a name on the
 session bus, answers the interface "varn.pim" and prints "ready" once it does. It
 ends on SIGINT or SIGTERM, after a SigDBusServerClosing.
+
+With a command it serves on a private session bus instead, where it runs the command
+with DBUS_SESSION_BUS_ADDRESS and MOVRA_SIM_STATE (the state directory) set, and ends
+with it. This needs dbus-daemon.
 
 Options:
   --service NAME  the bus name to own (default com.varn.tul)
@@ -68,7 +68,8 @@ Options:
                   (default: a built-in catalogue of every kind)
   --state DIR     where saved configurations and debug logs lie
                   (default $XDG_STATE_HOME/movra-sim,
-                  else $HOME/.local/state/movra-sim)
+                  else $HOME/.local/state/movra-sim; with a command,
+                  a temporary one)
   --fault MEMBER=FAULT
                   what calls of this member of the interface (*: of every member)
                   meet with instead of a prompt answer; may be repeated:
@@ -88,6 +89,8 @@ Exit status:
   4  the bus name is malformed, taken or not allowed
   5  the object path is malformed
   6  the directory named by --state cannot be used
+With a command, its own status: 126 if it cannot be run, 127 if there is no such command,
+128 and the signal's number if a signal ended it.
 )");
 }
 

@@ -19,6 +19,7 @@ struct Options {
     QString path;
     QString catalogFile; ///< empty: the built-in catalogue
     std::optional<QString> stateDirectory; ///< without one, the default
+    char *const *command = nullptr; ///< its words, up to a null; null: there is no command
     QVector<Fault> faults; ///< in the order given
 };
 

@@ -17,7 +17,7 @@ namespace
 
 Refusal badValue(const QString &sentence)
 {
-    return { QStringLiteral("BadValue"), sentence, {} };
+    return { "BadValue"_q, sentence };
 }
 
 // What the reading calls show of an item, and how many bytes that takes in a message, at most.
@@ -54,9 +54,8 @@ void send(const QDBusConnection &connection, const QDBusMessage &call, const QDB
 
 QDBusMessage errorReply(const QDBusMessage &call, const Refusal &refusal)
 {
-    const QString name = refusal.name.contains(QLatin1Char('.'))
-        ? refusal.name
-        : QLatin1String("varn.pim.Error.") + refusal.name;
+    const QString name =
+        refusal.name.contains(QLatin1Char('.')) ? refusal.name : "varn.pim.Error."_q + refusal.name;
     return call.createErrorReply(name, refusal.sentence);
 }
 
@@ -180,14 +179,13 @@ QString Service::introspect(const QString & /*path*/) const
 bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
 {
     const QString wanted = message.interface();
-    if (wanted == QLatin1String("org.freedesktop.DBus.Introspectable")
-        && message.member() == QLatin1String("Introspect")) {
+    if (wanted == "org.freedesktop.DBus.Introspectable"_q && message.member() == "Introspect"_q) {
         send(connection, message,
-             message.createReply(QString::fromUtf8(builtIn(QStringLiteral("varn.pim.xml")))));
+             message.createReply(QString::fromUtf8(builtIn("varn.pim.xml"_q))));
         return true;
     }
     const Method *method = find(message);
-    if (wanted.isEmpty() ? method == nullptr : wanted != QLatin1String("varn.pim")) {
+    if (wanted.isEmpty() ? method == nullptr : wanted != "varn.pim"_q) {
         return false;
     }
     if (hasVanished) {
@@ -196,9 +194,8 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
     if (method == nullptr) {
         // Qt would name the whole interface as unknown, which it is not.
         const QString sentence =
-            QStringLiteral("No such method '%1' in interface 'varn.pim' at object path '%2' "
-                           "(signature '%3')")
-                .arg(message.member(), message.path(), message.signature());
+            "No such method '%1' in interface 'varn.pim' at object path '%2' "
+            "(signature '%3')"_q.arg(message.member(), message.path(), message.signature());
         send(connection, message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
     } else if (const Fault *fault = faultOf(faults, message.member())) {
         suffer(*fault, *method, message, connection);
@@ -217,11 +214,10 @@ void Service::answer(const Method &method, const QDBusMessage &call,
         send(connection, call, call.createReply(values));
     } catch (const Refusal &refusal) {
         if (!refusal.about.isNull()) {
-            log.record(LogLevel::Error, refusal.about,
-                       QStringLiteral("refused: ") + refusal.sentence);
+            log.record(LogLevel::Error, refusal.about, "refused: "_q + refusal.sentence);
         }
         // Clients set without waiting for the answer, so that a refusal shows in monitors only.
-        if (call.member() == QLatin1String("SetValue")) {
+        if (call.member() == "SetValue"_q) {
             announcer.error(refusal.sentence);
         }
         send(connection, call, errorReply(call, refusal));
@@ -242,7 +238,7 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
         });
         break;
     case Fault::Kind::Refuse:
-        send(connection, call, errorReply(call, { QStringLiteral("Refused"), fault.text, {} }));
+        send(connection, call, errorReply(call, { "Refused"_q, fault.text, {} }));
         break;
     case Fault::Kind::WrongType:
         send(connection, call, call.createReply(ofAnotherType));
@@ -280,11 +276,10 @@ QVector<int> Service::lookUpToRead(const QVariantList &arguments, qint64 (*sizeO
         bytes += sizeOf(items.at(index));
     }
     if (bytes > mostBytes) {
-        throw badValue(
-            QStringLiteral("The values of %1 items do not fit one answer.").arg(indexes.size()));
+        throw badValue("The values of %1 items do not fit one answer."_q.arg(indexes.size()));
     }
     for (const int index : indexes) {
-        log.record(LogLevel::Debug, items.at(index).id, QStringLiteral("read"));
+        log.record(LogLevel::Debug, items.at(index).id, "read"_q);
     }
     return indexes;
 }
@@ -313,23 +308,18 @@ Assignment Service::convert(const IdValueStruct &wanted) const
     }
     const Item &item = items.at(index);
     if (item.kind == ItemKind::Result) {
-        throw Refusal { QStringLiteral("ReadOnly"),
-                        QStringLiteral("%1 is a result, which cannot be set.").arg(quoted(item.id)),
+        throw Refusal { "ReadOnly"_q, "%1 is a result, which cannot be set."_q.arg(quoted(item.id)),
                         item.id };
     }
     // Who sets one value by hand sends its text and leaves the type to the service.
     const bool isText = wanted.value.userType() == QMetaType::QString;
     if (isText && isArray(item.type)) {
-        throw Refusal { QStringLiteral("BadValue"),
-                        QStringLiteral("%1 is an array of type %2; SETARRAY sets it.")
-                            .arg(quoted(item.id), typeName(item.type)),
+        throw Refusal { "BadValue"_q,
+                        "%1 is an array of type %2; SETARRAY sets it."_q.arg(quoted(item.id),
+                                                                             typeName(item.type)),
                         item.id };
     }
-    const Place place { QStringLiteral("BadValue"),
-                        {},
-                        quoted(item.id) + QLatin1String(" cannot be set"),
-                        QStringLiteral("."),
-                        item.id };
+    const Place place { "BadValue"_q, {}, quoted(item.id) + " cannot be set"_q, "."_q, item.id };
     return { index,
              isText ? valueFromText(item.type, wanted.value.toString(), place)
                     : valueFromBus(item.type, wanted.value, place) };
@@ -344,7 +334,7 @@ void Service::set(const QList<IdValueStruct> &wanted)
     for (const Assignment &assignment : assignments) {
         const Item &item = items.at(assignment.index);
         log.record(LogLevel::Info, item.id,
-                   QStringLiteral("set to ") + shown(valueToText(item.type, assignment.value)));
+                   "set to "_q + shown(valueToText(item.type, assignment.value)));
     }
     items.assign(assignments);
 }
@@ -353,7 +343,7 @@ void Service::listen(const QStringList &ids)
 {
     const QVector<int> indexes = lookUp(ids);
     for (const int index : indexes) {
-        log.record(LogLevel::Info, items.at(index).id, QStringLiteral("put on the notify list"));
+        log.record(LogLevel::Info, items.at(index).id, "put on the notify list"_q);
         items.listen(index);
     }
 }
@@ -363,7 +353,7 @@ void Service::ignore(const QStringList &ids)
     for (const QString &id : ids) {
         const int index = items.indexOf(id);
         if (index >= 0) {
-            log.record(LogLevel::Info, id, QStringLiteral("taken off the notify list"));
+            log.record(LogLevel::Info, id, "taken off the notify list"_q);
             items.ignore(index);
         }
     }
@@ -372,19 +362,15 @@ void Service::ignore(const QStringList &ids)
 void Service::serverCommand(const QString &word, const QVariant &value)
 {
     constexpr int longestPace = 3600000;
-    const bool forConfigs = word == QLatin1String("SET_CFG_NOTIFY_TIMER");
-    if (!forConfigs && word != QLatin1String("SET_RES_NOTIFY_TIMER")) {
-        throw Refusal { QStringLiteral("UnknownCommand"),
-                        QStringLiteral("There is no command %1.").arg(quoted(word)),
-                        {} };
+    const bool forConfigs = word == "SET_CFG_NOTIFY_TIMER"_q;
+    if (!forConfigs && word != "SET_RES_NOTIFY_TIMER"_q) {
+        throw Refusal { "UnknownCommand"_q, "There is no command %1."_q.arg(quoted(word)) };
     }
     if (value.userType() != QMetaType::Int) {
-        throw badValue(
-            QStringLiteral("%1 takes a number of milliseconds of D-Bus type \"i\".").arg(word));
+        throw badValue("%1 takes a number of milliseconds of D-Bus type \"i\"."_q.arg(word));
     }
     if (value.toInt() < 0 || value.toInt() > longestPace) {
-        throw badValue(QStringLiteral("%1 takes 0 to %2 milliseconds, not %3.")
-                           .arg(word)
+        throw badValue("%1 takes 0 to %2 milliseconds, not %3."_q.arg(word)
                            .arg(longestPace)
                            .arg(value.toInt()));
     }
@@ -394,26 +380,22 @@ void Service::serverCommand(const QString &word, const QVariant &value)
 void Service::saveConfig(const QString &name)
 {
     if (log.writesTo(name)) {
-        throw Refusal {
-            QStringLiteral("File"),
-            QStringLiteral("Cannot write %1: it is the debug log.").arg(quoted(files.pathOf(name))),
-            {}
-        };
+        throw Refusal { "File"_q,
+                        "Cannot write %1: it is the debug log."_q.arg(quoted(files.pathOf(name))) };
     }
     files.write(name, writeConfigs(items));
-    announcer.info(QStringLiteral("configuration saved to %1").arg(files.pathOf(name)));
+    announcer.info("configuration saved to %1"_q.arg(files.pathOf(name)));
 }
 
 void Service::loadConfig(const QString &name)
 {
-    const QString intro = QStringLiteral("%1 is damaged: ").arg(quoted(files.pathOf(name)));
-    const QVector<Assignment> assignments =
-        readConfigs(files.read(name), items, intro, QStringLiteral("."));
+    const QString intro = "%1 is damaged: "_q.arg(quoted(files.pathOf(name)));
+    const QVector<Assignment> assignments = readConfigs(files.read(name), items, intro, "."_q);
     for (const Assignment &assignment : assignments) {
         const Item &item = items.at(assignment.index);
         log.record(LogLevel::Info, item.id,
-                   QStringLiteral("loaded as ") + shown(valueToText(item.type, assignment.value)));
+                   "loaded as "_q + shown(valueToText(item.type, assignment.value)));
     }
     items.assign(assignments);
-    announcer.info(QStringLiteral("configuration loaded from %1").arg(files.pathOf(name)));
+    announcer.info("configuration loaded from %1"_q.arg(files.pathOf(name)));
 }

@@ -18,41 +18,38 @@ namespace
 {
 
 /// Begins the names of files that are being written; clients cannot use it.
-const QString ownPrefix = QStringLiteral(".movra-sim.");
+const QString ownPrefix = ".movra-sim."_q;
 
 void checkName(const QString &name)
 {
     constexpr int mostNameBytes = 200;
     QString reason;
     if (name.isEmpty()) {
-        reason = QStringLiteral("it is empty");
-    } else if (name == QLatin1String(".") || name == QLatin1String("..")) {
-        reason = QStringLiteral("it stands for a directory");
+        reason = "it is empty"_q;
+    } else if (name == "."_q || name == ".."_q) {
+        reason = "it stands for a directory"_q;
     } else if (name.contains(QLatin1Char('/'))) {
-        reason = QStringLiteral("it holds a slash");
+        reason = "it holds a slash"_q;
     } else if (std::any_of(name.begin(), name.end(), [](QChar character) {
                    return character.category() == QChar::Other_Control;
                })) {
-        reason = QStringLiteral("it holds a control character");
+        reason = "it holds a control character"_q;
     } else if (name.startsWith(ownPrefix)) {
-        reason = QStringLiteral("names that begin with %1 are the simulator's own").arg(ownPrefix);
+        reason = "names that begin with %1 are the simulator's own"_q.arg(ownPrefix);
     } else if (name.toUtf8().size() > mostNameBytes) {
-        reason = QStringLiteral("it is longer than %1 bytes").arg(mostNameBytes);
+        reason = "it is longer than %1 bytes"_q.arg(mostNameBytes);
     } else {
         return;
     }
-    throw Refusal {
-        QStringLiteral("BadName"),
-        QStringLiteral("%1 cannot be the name of a file: %2.").arg(quoted(name), reason),
-        {},
-    };
+    throw Refusal { "BadName"_q,
+                    "%1 cannot be the name of a file: %2."_q.arg(quoted(name), reason) };
 }
 
 void checkRegular(const QString &path, const Place &place)
 {
     const QFileInfo info(path);
     if (info.isSymLink() || (info.exists() && !info.isFile())) {
-        throw place.refusal(QStringLiteral("it is not a regular file"));
+        throw place.refusal("it is not a regular file"_q);
     }
 }
 
@@ -74,11 +71,11 @@ QString StateFiles::defaultDirectory()
 {
     const QString stateHome = QFile::decodeName(qgetenv("XDG_STATE_HOME"));
     if (stateHome.startsWith(QLatin1Char('/'))) {
-        return stateHome + QLatin1String("/movra-sim");
+        return stateHome + "/movra-sim"_q;
     }
     const QString home = QFile::decodeName(qgetenv("HOME"));
     if (home.startsWith(QLatin1Char('/'))) {
-        return home + QLatin1String("/.local/state/movra-sim");
+        return home + "/.local/state/movra-sim"_q;
     }
     return {};
 }
@@ -86,23 +83,22 @@ QString StateFiles::defaultDirectory()
 void StateFiles::prepare(const Place &place)
 {
     if (directory.isEmpty()) {
-        throw place.refusal(QStringLiteral("neither XDG_STATE_HOME nor HOME says where"));
+        throw place.refusal("neither XDG_STATE_HOME nor HOME says where"_q);
     }
     if (!QDir().mkpath(directory)) {
-        throw place.refusal(
-            QStringLiteral("%1 is no directory and cannot be created").arg(quoted(directory)));
+        throw place.refusal("%1 is no directory and cannot be created"_q.arg(quoted(directory)));
     }
     const QByteArray path = QFile::encodeName(directory);
     if (::access(path.constData(), R_OK | W_OK | X_OK) != 0) {
-        throw place.refusal(quoted(directory) + QLatin1String(": ") + qt_error_string(errno));
+        throw place.refusal(quoted(directory) + ": "_q + qt_error_string(errno));
     }
     if (lock < 0) {
         // The directory itself is locked, so that the lock is no file in it.
         lock = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) != 0) {
             const QString reason = errno == EWOULDBLOCK
-                ? QStringLiteral("another simulator uses %1").arg(quoted(directory))
-                : quoted(directory) + QLatin1String(": ") + qt_error_string(errno);
+                ? "another simulator uses %1"_q.arg(quoted(directory))
+                : quoted(directory) + ": "_q + qt_error_string(errno);
             ::close(std::exchange(lock, -1));
             throw place.refusal(reason);
         }
@@ -128,8 +124,8 @@ QString StateFiles::pathOf(const QString &name) const
 Place StateFiles::placeOf(const char *verb, const QString &name) const
 {
     checkName(name);
-    Place place { QStringLiteral("File"), {}, {}, QStringLiteral("."), {} };
-    place.path = QStringLiteral("Cannot %1 %2").arg(QLatin1String(verb), quoted(pathOf(name)));
+    Place place { "File"_q, {}, {}, "."_q };
+    place.path = "Cannot %1 %2"_q.arg(QLatin1String(verb), quoted(pathOf(name)));
     return place;
 }
 
@@ -137,7 +133,7 @@ QByteArray StateFiles::read(const QString &name) const
 {
     const Place place = placeOf("read", name);
     if (directory.isEmpty()) {
-        throw place.refusal(QStringLiteral("neither XDG_STATE_HOME nor HOME says where"));
+        throw place.refusal("neither XDG_STATE_HOME nor HOME says where"_q);
     }
     checkRegular(pathOf(name), place);
     QFile file(pathOf(name));
@@ -147,7 +143,7 @@ QByteArray StateFiles::read(const QString &name) const
         throw place.refusal(file.errorString());
     }
     if (bytes.size() > mostBytes) {
-        throw place.refusal(QStringLiteral("it is larger than 16 MiB"));
+        throw place.refusal("it is larger than 16 MiB"_q);
     }
     return bytes;
 }
@@ -156,14 +152,14 @@ void StateFiles::write(const QString &name, const QByteArray &bytes)
 {
     const Place place = placeOf("write", name);
     if (bytes.size() > mostBytes) {
-        throw place.refusal(QStringLiteral("it would be larger than 16 MiB"));
+        throw place.refusal("it would be larger than 16 MiB"_q);
     }
     prepare(place);
     checkRegular(pathOf(name), place);
     removeLeftovers();
     // QSaveFile would choose a name that begins like the file's own; what a killed simulator leaves
     // must be known by its name.
-    const QString newPath = pathOf(ownPrefix + QLatin1String("new"));
+    const QString newPath = pathOf(ownPrefix + "new"_q);
     QSaveFile file(newPath);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         throw place.refusal(file.errorString());

@@ -44,11 +44,9 @@ template <typename T> struct ElementOf<std::vector<T>> {
 template <typename T> QString numberName()
 {
     if constexpr (isReal<T>) {
-        return QStringLiteral("double");
+        return "double"_q;
     } else {
-        return QStringLiteral("%1int%2")
-            .arg(std::is_signed_v<T> ? QString() : QStringLiteral("u"))
-            .arg(8 * sizeof(T));
+        return "%1int%2"_q.arg(std::is_signed_v<T> ? QString() : "u"_q).arg(8 * sizeof(T));
     }
 }
 
@@ -56,14 +54,13 @@ QString textOf(double value)
 {
     // Qt leaves the sign of nought out.
     return std::fpclassify(value) == FP_ZERO && std::signbit(value)
-        ? QStringLiteral("-0")
+        ? "-0"_q
         : QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
 Refusal isNot(const Json &json, const char *wanted, const Place &place)
 {
-    return place.refusal(
-        QStringLiteral("is %1, not %2").arg(jsonKind(json), QLatin1String(wanted)));
+    return place.refusal("is %1, not %2"_q.arg(jsonKind(json), QLatin1String(wanted)));
 }
 
 /// Reads a single value; `display` is the text as a refusal shows it.
@@ -72,33 +69,31 @@ template <typename T> T parse(const QString &text, const QString &display, const
     if constexpr (isText<T>) {
         if (text.contains(QChar(QChar::Null))) {
             throw place.refusal(
-                QStringLiteral("the text holds the character U+0000, which the bus cannot carry"));
+                "the text holds the character U+0000, which the bus cannot carry"_q);
         }
         if (text.size() > longestText) {
-            throw place.refusal(
-                QStringLiteral("the text is longer than %1 characters").arg(longestText));
+            throw place.refusal("the text is longer than %1 characters"_q.arg(longestText));
         }
         return text;
     } else if constexpr (isTruth<T>) {
-        const bool isTrue = text == QLatin1String("true") || text == QLatin1String("1");
-        if (!isTrue && text != QLatin1String("false") && text != QLatin1String("0")) {
-            throw place.refusal(QStringLiteral("%1 is not true, false, 1 or 0").arg(display));
+        const bool isTrue = text == "true"_q || text == "1"_q;
+        if (!isTrue && text != "false"_q && text != "0"_q) {
+            throw place.refusal("%1 is not true, false, 1 or 0"_q.arg(display));
         }
         return isTrue;
     } else {
-        static const QRegularExpression form(
-            isReal<T> ? QStringLiteral("\\A-?(?:(?:[0-9]+(?:\\.[0-9]*)?|\\.[0-9]+)"
-                                       "(?:[eE][-+]?[0-9]+)?|inf|nan)\\z")
-                      : QStringLiteral("\\A-?[0-9]+\\z"));
+        static const QRegularExpression form(isReal<T>
+                                                 ? "\\A-?(?:(?:[0-9]+(?:\\.[0-9]*)?|\\.[0-9]+)"
+                                                   "(?:[eE][-+]?[0-9]+)?|inf|nan)\\z"_q
+                                                 : "\\A-?[0-9]+\\z"_q);
         if (!form.match(text).hasMatch()) {
             throw place.refusal(display
-                                + (isReal<T> ? QLatin1String(" is not a number")
-                                             : QLatin1String(" is not a whole number")));
+                                + (isReal<T> ? " is not a number"_q : " is not a whole number"_q));
         }
         bool fits = false;
         T value {};
         if constexpr (isReal<T>) {
-            const bool isNan = text.endsWith(QLatin1String("nan"));
+            const bool isNan = text.endsWith("nan"_q);
             value = isNan ? std::numeric_limits<double>::quiet_NaN() : text.toDouble(&fits);
             fits = fits || isNan;
         } else if (text.startsWith(QLatin1Char('-'))) {
@@ -112,7 +107,7 @@ template <typename T> T parse(const QString &text, const QString &display, const
             value = static_cast<T>(wide);
         }
         if (!fits) {
-            throw place.refusal(QStringLiteral("%1 does not fit %2").arg(display, numberName<T>()));
+            throw place.refusal("%1 does not fit %2"_q.arg(display, numberName<T>()));
         }
         return value;
     }
@@ -122,7 +117,7 @@ template <typename T> T parse(const QString &text, const QString &display, const
 template <typename List> List checked(const List &list, const Place &place)
 {
     if (static_cast<int>(list.size()) > mostElements) {
-        throw place.refusal(QStringLiteral("there are more than %1 elements").arg(mostElements));
+        throw place.refusal("there are more than %1 elements"_q.arg(mostElements));
     }
     if constexpr (std::is_same_v<List, QStringList>) {
         qint64 length = 0;
@@ -130,8 +125,7 @@ template <typename List> List checked(const List &list, const Place &place)
             length += text.size();
         }
         if (length > longestText) {
-            throw place.refusal(
-                QStringLiteral("the texts are longer than %1 characters").arg(longestText));
+            throw place.refusal("the texts are longer than %1 characters"_q.arg(longestText));
         }
     }
     return list;
@@ -171,15 +165,14 @@ template <typename T> T fromJson(const Json &json, const Place &place)
             if (json.is_number_float()) {
                 const auto value = json.get<double>();
                 if (std::trunc(value) != value) {
-                    throw place.refusal(
-                        QStringLiteral("%1 is not a whole number").arg(textOf(value)));
+                    throw place.refusal("%1 is not a whole number"_q.arg(textOf(value)));
                 }
                 // A number with a fraction or an exponent may have been rounded from here on.
                 constexpr double firstInexact = 9007199254740992.0;
                 if (std::abs(value) >= firstInexact) {
                     throw place.refusal(
-                        QStringLiteral("%1 is not exact as a JSON number; write it between quotes")
-                            .arg(textOf(value)));
+                        "%1 is not exact as a JSON number; write it between quotes"_q.arg(
+                            textOf(value)));
                 }
                 text = QString::number(static_cast<qint64>(value));
             }
@@ -191,7 +184,7 @@ template <typename T> T fromJson(const Json &json, const Place &place)
 template <typename T> T fromText(const QString &text, const Place &place)
 {
     if constexpr (ElementOf<T>::exists) {
-        throw place.refusal(QStringLiteral("is an array, not a single value"));
+        throw place.refusal("is an array, not a single value"_q);
     } else {
         return parse<T>(text, quoted(text), place);
     }
@@ -221,7 +214,7 @@ template <typename T> QString toText(const T &value)
     } else if constexpr (isText<T>) {
         return value;
     } else if constexpr (isTruth<T>) {
-        return value ? QStringLiteral("true") : QStringLiteral("false");
+        return value ? "true"_q : "false"_q;
     } else if constexpr (isReal<T>) {
         return textOf(value);
     } else {
@@ -349,7 +342,7 @@ QString typeNames()
     for (const TypeRow &each : types) {
         names.append(QString::fromLatin1(each.name));
     }
-    return names.join(QLatin1String(", "));
+    return names.join(", "_q);
 }
 
 QString typeName(ValueType type)
@@ -394,8 +387,8 @@ QVariant valueFromBus(ValueType type, const QVariant &variant, const Place &plac
 {
     const QString found = signatureOf(variant);
     if (found != busSignature(type)) {
-        throw place.refusal(QStringLiteral("a value of D-Bus type %1 is not of type %2")
-                                .arg(quoted(found), quoted(busSignature(type))));
+        throw place.refusal("a value of D-Bus type %1 is not of type %2"_q.arg(
+            quoted(found), quoted(busSignature(type))));
     }
     return rowOf(type).fromBus(variant, place);
 }
@@ -425,16 +418,16 @@ QString jsonKind(const Json &json)
 {
     switch (json.type()) {
     case Json::value_t::null:
-        return QStringLiteral("null");
+        return "null"_q;
     case Json::value_t::boolean:
-        return QStringLiteral("a truth value");
+        return "a truth value"_q;
     case Json::value_t::string:
-        return QStringLiteral("a string");
+        return "a string"_q;
     case Json::value_t::array:
-        return QStringLiteral("an array");
+        return "an array"_q;
     case Json::value_t::object:
-        return QStringLiteral("an object");
+        return "an object"_q;
     default:
-        return QStringLiteral("a number");
+        return "a number"_q;
     }
 }

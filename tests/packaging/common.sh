@@ -39,7 +39,6 @@ documents() {
 answers() {
     same "The version of movra-sim" "movra-sim $version" "$("$1/movra-sim" --version)"
     same "The answer of the simulated service" pordo_user "$(
-        PATH=$1:$PATH "$source/scripts/with-service" \
-            "$1/movra" com.varn.tul / GET :config:data:ftp:userName:
+        "$1/movra-sim" -- "$1/movra" com.varn.tul / GET :config:data:ftp:userName:
     )"
 }

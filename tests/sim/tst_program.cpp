@@ -18,11 +18,15 @@ namespace
 
 constexpr const char *help =
     "Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]\n"
-    "                 [--fault MEMBER=FAULT]...\n"
+    "                 [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]\n"
     "\n"
     "A stand-in for the application service that movra talks to. It owns a name on the\n"
     "session bus, answers the interface \"varn.pim\" and prints \"ready\" once it does. It\n"
     "ends on SIGINT or SIGTERM, after a SigDBusServerClosing.\n"
+    "\n"
+    "With a command it serves on a private session bus instead, where it runs the command\n"
+    "with DBUS_SESSION_BUS_ADDRESS and MOVRA_SIM_STATE (the state directory) set, and ends\n"
+    "with it. This needs dbus-daemon.\n"
     "\n"
     "Options:\n"
     "  --service NAME  the bus name to own (default com.varn.tul)\n"
@@ -31,7 +35,8 @@ constexpr const char *help =
     "                  (default: a built-in catalogue of every kind)\n"
     "  --state DIR     where saved configurations and debug logs lie\n"
     "                  (default $XDG_STATE_HOME/movra-sim,\n"
-    "                  else $HOME/.local/state/movra-sim)\n"
+    "                  else $HOME/.local/state/movra-sim; with a command,\n"
+    "                  a temporary one)\n"
     "  --fault MEMBER=FAULT\n"
     "                  what calls of this member of the interface (*: of every member)\n"
     "                  meet with instead of a prompt answer; may be repeated:\n"
@@ -50,7 +55,9 @@ constexpr const char *help =
     "  3  there is no session bus, or it went away\n"
     "  4  the bus name is malformed, taken or not allowed\n"
     "  5  the object path is malformed\n"
-    "  6  the directory named by --state cannot be used\n";
+    "  6  the directory named by --state cannot be used\n"
+    "With a command, its own status: 126 if it cannot be run, 127 if there is no such command,\n"
+    "128 and the signal's number if a signal ended it.\n";
 
 /// A bus that ends when the test wants it to.
 class OwnBus

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+// A command inside the simulator: what it finds, which status comes out, and that nothing is left.
+#include "tests/support/program.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+class TestCommand : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void theStatusIsThatOfTheCommand_data();
+    void theStatusIsThatOfTheCommand();
+    void theCommandTalksToTheService();
+    void theServiceTakesTheOtherOptions();
+    void argumentsArriveByteForByte();
+    void theStateDirectoryIsTemporary();
+    void aChosenStateDirectoryStays();
+    void withoutDbusDaemonThereIsAnError();
+    void aServiceThatVanishesLeavesTheCommandAlone();
+    void signalsToTheSimulatorReachTheCommand_data();
+    void signalsToTheSimulatorReachTheCommand();
+    void signalsOfTheTerminalEndBoth_data();
+    void signalsOfTheTerminalEndBoth();
+    void aCommandMayOutliveCtrlC();
+    void signalsIgnoredAtTheStartStayIgnored();
+    void theBusEndsWithAKilledSimulator();
+
+private:
+    /// Starts the simulator with a temporary directory of the test's own.
+    Program start(const QByteArrayList &arguments)
+    {
+        return { MOVRA_SIM_PROGRAM, arguments, environment };
+    }
+    /// Runs the simulator to its end: status, standard output, standard error.
+    QByteArray run(const QByteArrayList &arguments)
+    {
+        Program program = start(arguments);
+        program.waitForEnd();
+        return QByteArray::number(program.status) + '|' + program.out + '|' + program.err;
+    }
+    QStringList leftovers() const
+    {
+        return QDir(scratch->path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+
+    std::unique_ptr<QTemporaryDir> scratch;
+    QByteArrayList environment;
+};
+
+void TestCommand::init()
+{
+    scratch = std::make_unique<QTemporaryDir>();
+    // No session bus but the simulator's own.
+    environment = { "PATH=" MOVRA_PROGRAM_DIRECTORY ":" + qgetenv("PATH"),
+                    "TMPDIR=" + QFile::encodeName(scratch->path()), "HOME=/nonexistent" };
+    for (const char *name : { "LSAN_OPTIONS", "LC_ALL", "LANG" }) {
+        if (qEnvironmentVariableIsSet(name)) {
+            environment.append(QByteArray(name) + '=' + qgetenv(name));
+        }
+    }
+}
+
+void TestCommand::cleanup()
+{
+    QCOMPARE(leftovers(), QStringList());
+}
+
+void TestCommand::theStatusIsThatOfTheCommand_data()
+{
+    QTest::addColumn<QByteArrayList>("arguments");
+    QTest::addColumn<QByteArray>("expected");
+    QTest::newRow("success") << QByteArrayList { "--", "true" } << QByteArray("0||");
+    QTest::newRow("another status")
+        << QByteArrayList { "--", "sh", "-c", "echo out; echo err >&2; exit 7" }
+        << QByteArray("7|out\n|err\n");
+    QTest::newRow("a signal") << QByteArrayList { "--", "sh", "-c", "kill -KILL $$" }
+                              << QByteArray("137||");
+    QTest::newRow("a command that is not there")
+        << QByteArrayList { "--", "no-such-command" }
+        << QByteArray("127||movra-sim: \"no-such-command\" cannot be run: No such file or "
+                      "directory\n");
+    QTest::newRow("a command that cannot be run")
+        << QByteArrayList { "--", "/dev/null" }
+        << QByteArray("126||movra-sim: \"/dev/null\" cannot be run: Permission denied\n");
+    QTest::newRow("no command") << QByteArrayList { "--" }
+                                << QByteArray("1||movra-sim: There is no command. See movra-sim "
+                                              "--help.\n");
+    QTest::newRow("an option that is wrong")
+        << QByteArrayList { "--path", "x", "--", "echo" }
+        << QByteArray("5||movra-sim: \"x\" is not an object path\n");
+}
+
+void TestCommand::theStatusIsThatOfTheCommand()
+{
+    QFETCH(QByteArrayList, arguments);
+    QFETCH(QByteArray, expected);
+    QCOMPARE(run(arguments), expected);
+}
+
+void TestCommand::theCommandTalksToTheService()
+{
+    QCOMPARE(run({ "--", "movra", "com.varn.tul", "/", "GET", ":config:data:ftp:port:" }),
+             QByteArray("0|21\n|"));
+}
+
+void TestCommand::theServiceTakesTheOtherOptions()
+{
+    QCOMPARE(run({ "--service", "com.varn.other", "--path=/deep", "--fault", "GetStatus=silence",
+                   "--", "movra", "com.varn.other", "/deep", "GET", ":config:data:ftp:port:" }),
+             QByteArray("0|21\n|"));
+}
+
+void TestCommand::argumentsArriveByteForByte()
+{
+    QCOMPARE(run({ "--", "printf", "%s|", "--", "--help", "\xff\xe4", "-qmljsdebugger=x", "" }),
+             QByteArray("0|--|--help|\xff\xe4|-qmljsdebugger=x|||"));
+}
+
+void TestCommand::theStateDirectoryIsTemporary()
+{
+    QCOMPARE(run({ "--", "sh", "-c",
+                   "movra com.varn.tul / FILE SAVE night; cd $MOVRA_SIM_STATE; echo *" }),
+             QByteArray("0|night\n|"));
+}
+
+void TestCommand::aChosenStateDirectoryStays()
+{
+    const QTemporaryDir state;
+    QCOMPARE(run({ "--state", QFile::encodeName(state.path()), "--", "sh", "-c",
+                   "movra com.varn.tul / FILE SAVE night; cd $MOVRA_SIM_STATE; echo *" }),
+             QByteArray("0|night\n|"));
+    QVERIFY(QFileInfo::exists(state.filePath(QStringLiteral("night"))));
+}
+
+void TestCommand::withoutDbusDaemonThereIsAnError()
+{
+    environment.prepend("PATH=/nonexistent");
+    environment.removeAt(1);
+    QCOMPARE(run({ "--", "true" }),
+             QByteArray("3||movra-sim: the private bus does not start: dbus-daemon cannot be run: "
+                        "No such file or directory\n"));
+}
+
+void TestCommand::aServiceThatVanishesLeavesTheCommandAlone()
+{
+    QCOMPARE(run({ "--fault", "DBusServerStatus=vanish", "--", "sh", "-c",
+                   "for run in 1 2; do movra com.varn.tul / SERVERSTAT; done; exit 5" }),
+             QByteArray("5|Reply Not Valid     err=\nClient DBus Interface not valid, error: \n|"));
+}
+
+void TestCommand::signalsToTheSimulatorReachTheCommand_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
+}
+
+void TestCommand::signalsToTheSimulatorReachTheCommand()
+{
+    QFETCH(int, number);
+    Program program =
+        start({ "--", "sh", "-c", "trap 'exit 9' HUP TERM; echo on; while :; do sleep 0.1; done" });
+    QVERIFY(program.waitForLines(1));
+    program.send(number);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, 9);
+    QCOMPARE(program.err, QByteArray());
+}
+
+void TestCommand::signalsOfTheTerminalEndBoth_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<int>("status");
+    QTest::newRow("Ctrl-C") << QByteArray("INT") << 130;
+    QTest::newRow("Ctrl-\\") << QByteArray("QUIT") << 131;
+    QTest::newRow("a closed terminal") << QByteArray("HUP") << 129;
+    QTest::newRow("the end of the process group") << QByteArray("TERM") << 143;
+}
+
+void TestCommand::signalsOfTheTerminalEndBoth()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(int, status);
+    // setsid makes the simulator lead a process group, as a shell does for what is typed.
+    Program program(
+        "setsid",
+        { MOVRA_SIM_PROGRAM, "--", "sh", "-c", "ulimit -c 0; kill -" + name + " 0; sleep 60" },
+        environment);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, status);
+}
+
+void TestCommand::aCommandMayOutliveCtrlC()
+{
+    Program program("setsid",
+                    { MOVRA_SIM_PROGRAM, "--", "sh", "-c",
+                      "trap : INT; kill -INT 0; movra com.varn.tul / SERVERSTAT; exit 4" },
+                    environment);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.out, QByteArray("0\n"));
+    QCOMPARE(program.status, 4);
+}
+
+void TestCommand::signalsIgnoredAtTheStartStayIgnored()
+{
+    Program program("setsid",
+                    { "sh", "-c",
+                      "trap '' HUP INT; exec " MOVRA_SIM_PROGRAM
+                      " -- sh -c 'kill -HUP 0; kill -INT 0; movra com.varn.tul / SERVERSTAT'" },
+                    environment);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.out, QByteArray("0\n"));
+    QCOMPARE(program.status, 0);
+}
+
+void TestCommand::theBusEndsWithAKilledSimulator()
+{
+    Program program = start({ "--", "sh", "-c", "echo $DBUS_SESSION_BUS_ADDRESS; exec sleep 60" });
+    QVERIFY(program.waitForLines(1));
+    QString socket = QFile::decodeName(program.out);
+    socket = socket.section(QLatin1Char('='), 1).section(QLatin1Char(','), 0, 0);
+    QVERIFY(QFileInfo::exists(socket));
+    program.send(SIGKILL);
+    // The socket goes with the bus.
+    QTRY_VERIFY(!QFileInfo::exists(socket));
+    QVERIFY(QDir(QFileInfo(socket).path()).removeRecursively());
+}
+
+QTEST_GUILESS_MAIN(TestCommand)
+#include "tst_command.moc"
