@@ -87,14 +87,16 @@ void Host::serve(const Options &options, const std::function<void()> &announceRe
         files.prepare(place);
     }
 
+    Record record(options.logFile);
+
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         throw Refusal { "Bus"_q, "there is no session bus: "_q + bus.lastError().message() };
     }
     bus.connect({}, "/org/freedesktop/DBus/Local"_q, "org.freedesktop.DBus.Local"_q,
                 "Disconnected"_q, this, SLOT(busLost()));
-    Announcer announcer(bus, options.path);
-    Service service(catalog, files, announcer, options.faults);
+    Announcer announcer(bus, options.path, record);
+    Service service(catalog, files, announcer, record, options.faults);
     bus.registerVirtualObject(options.path, &service);
     constexpr int withoutAWord = 1;
     connect(&service, &Service::vanished, this, [] { QCoreApplication::exit(withoutAWord); });
@@ -108,6 +110,7 @@ void Host::serve(const Options &options, const std::function<void()> &announceRe
     // well.
     bus.unregisterService(options.service);
     bus.unregisterObject(options.path);
+    record.check();
     if (!hasBus) {
         throw Refusal { "Bus"_q, "the session bus went away"_q };
     }

@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "sim/log.h"
 
-#include <QDBusMessage>
+#include "bus/types.h"
+#include "sim/value.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QDBusSignature>
+#include <QDBusVariant>
 
 #include <algorithm>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <utility>
+
+#include <unistd.h>
 
 namespace
 {
@@ -26,6 +37,97 @@ Refusal malformed(const QString &value, const char *wanted)
         "%1 is not of the form %2."_q.arg(quoted(value), quoted(QString::fromLatin1(wanted))));
 }
 
+Json jsonOf(const QVariant &value);
+
+Json jsonOf(const QDBusArgument &argument)
+{
+    Json list = Json::array();
+    switch (argument.currentType()) {
+    case QDBusArgument::ArrayType:
+        for (argument.beginArray(); !argument.atEnd();) {
+            list.push_back(jsonOf(argument));
+        }
+        argument.endArray();
+        return list;
+    case QDBusArgument::StructureType:
+        for (argument.beginStructure(); !argument.atEnd();) {
+            list.push_back(jsonOf(argument));
+        }
+        argument.endStructure();
+        return list;
+    case QDBusArgument::MapType:
+        for (argument.beginMap(); !argument.atEnd(); argument.endMapEntry()) {
+            argument.beginMapEntry();
+            const Json key = jsonOf(argument);
+            list.push_back({ key, jsonOf(argument) });
+        }
+        argument.endMap();
+        return list;
+    default:
+        return jsonOf(argument.asVariant());
+    }
+}
+
+template <typename Record> Json jsonOfAll(const QVariant &records)
+{
+    Json list = Json::array();
+    for (const Record &each : records.value<QList<Record>>()) {
+        list.push_back(jsonOf(QVariant::fromValue(each)));
+    }
+    return list;
+}
+
+/// A value of a message, as a catalogue would have it; records become arrays.
+Json jsonOf(const QVariant &value)
+{
+    const int type = value.userType();
+    if (type == qMetaTypeId<QDBusVariant>()) {
+        return jsonOf(value.value<QDBusVariant>().variant());
+    }
+    if (type == qMetaTypeId<QDBusArgument>()) {
+        return jsonOf(value.value<QDBusArgument>());
+    }
+    if (type == qMetaTypeId<IdValueStruct>()) {
+        const auto record = value.value<IdValueStruct>();
+        return { record.id.toStdString(), jsonOf(record.value) };
+    }
+    if (type == qMetaTypeId<IdValueStatusStruct>()) {
+        const auto record = value.value<IdValueStatusStruct>();
+        return { record.id.toStdString(), jsonOf(record.value), record.status };
+    }
+    if (type == qMetaTypeId<QList<IdValueStruct>>()) {
+        return jsonOfAll<IdValueStruct>(value);
+    }
+    if (type == qMetaTypeId<QList<IdValueStatusStruct>>()) {
+        return jsonOfAll<IdValueStatusStruct>(value);
+    }
+    if (type == qMetaTypeId<QList<int>>()) {
+        return jsonOfAll<int>(value);
+    }
+    if (const auto known = typeWithSignature(signatureOf(value))) {
+        return valueToJson(*known, value);
+    }
+    if (type == QMetaType::QByteArray) {
+        const QByteArray bytes = value.toByteArray();
+        return std::vector<unsigned char>(bytes.begin(), bytes.end());
+    }
+    return type == qMetaTypeId<QDBusObjectPath>()
+        ? value.value<QDBusObjectPath>().path().toStdString()
+        : type == qMetaTypeId<QDBusSignature>()
+        ? value.value<QDBusSignature>().signature().toStdString()
+        : value.toString().toStdString();
+}
+
+Json jsonOfArguments(const QDBusMessage &message)
+{
+    Json list = Json::array();
+    const QVariantList arguments = message.arguments();
+    for (const QVariant &each : arguments) {
+        list.push_back(jsonOf(each));
+    }
+    return list;
+}
+
 /// The fields of an identifier, which colons surround and separate.
 QStringList fieldsOf(const QString &id)
 {
@@ -36,16 +138,80 @@ QStringList fieldsOf(const QString &id)
 
 } // namespace
 
-Announcer::Announcer(const QDBusConnection &bus, QString objectPath)
+Record::Record(const QString &fileName)
+{
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
+    file.setFileName(fileName);
+    if (!fileName.isEmpty()
+        && !(fileName == "-"_q ? file.open(STDOUT_FILENO, mode) : file.open(mode))) {
+        problem = file.errorString();
+        check();
+    }
+}
+
+void Record::noteCall(const QDBusMessage &call, const QDBusMessage *answer)
+{
+    write("call", call, answer);
+}
+
+void Record::noteSignal(const QDBusMessage &signal)
+{
+    write("signal", signal, nullptr);
+}
+
+void Record::write(const char *kind, const QDBusMessage &message, const QDBusMessage *answer)
+{
+    if (!file.isOpen()) {
+        return;
+    }
+    nlohmann::ordered_json line;
+    line["time"] = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
+    line[kind] = message.member().toStdString();
+    if (!message.service().isEmpty()) {
+        line["sender"] = message.service().toStdString();
+    }
+    QString signature;
+    const QVariantList arguments = message.arguments();
+    for (const QVariant &each : arguments) {
+        signature += signatureOf(each);
+    }
+    line["signature"] = signature.toStdString();
+    line["arguments"] = jsonOfArguments(message);
+    if (answer != nullptr && answer->type() == QDBusMessage::ErrorMessage) {
+        line["refusal"] = { { "name", answer->errorName().toStdString() },
+                            { "sentence", answer->errorMessage().toStdString() } };
+    } else if (answer != nullptr) {
+        line["answer"] = jsonOfArguments(*answer);
+    }
+    const QByteArray bytes = QByteArray::fromStdString(line.dump()) + '\n';
+    if (file.write(bytes) != bytes.size()) {
+        problem = file.errorString();
+        file.close();
+        QCoreApplication::quit();
+    }
+}
+
+void Record::check() const
+{
+    if (!problem.isEmpty()) {
+        throw Refusal {
+            "Record"_q, "the log %1 cannot be written: %2"_q.arg(quoted(file.fileName()), problem)
+        };
+    }
+}
+
+Announcer::Announcer(const QDBusConnection &bus, QString objectPath, Record &recordOfSignals)
     : connection(bus)
     , path(std::move(objectPath))
+    , record(recordOfSignals)
 {
 }
 
-void Announcer::send(const Signal &signal) const
+void Announcer::send(const Signal &signal)
 {
     QDBusMessage message = QDBusMessage::createSignal(path, "varn.pim"_q, signal.member);
     message.setArguments(signal.arguments);
+    record.noteSignal(message);
     connection.send(message);
 }
 

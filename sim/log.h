@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// What the simulator tells: its signals, the logs of a catalogue, and the debug log with its file.
+// What the simulator tells: its signals, a record of these and of the calls, the logs of a
+// catalogue, and the debug log with its file.
 #pragma once
 
 #include "sim/statefiles.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QFile>
 #include <QHash>
 #include <QSet>
@@ -20,22 +22,44 @@ struct Signal {
     QVariantList arguments;
 };
 
+/// A file with one JSON object a line for each call and each signal; lines are flushed at once.
+class Record
+{
+public:
+    /// Opens the file, which may be `-` for standard output; an empty name means no record.
+    explicit Record(const QString &fileName);
+
+    /// Notes a call and its answer; null: it gets none.
+    void noteCall(const QDBusMessage &call, const QDBusMessage *answer);
+    /// Notes a signal that is sent.
+    void noteSignal(const QDBusMessage &signal);
+    /// Refuses to go on when a line could not be written; the event loop ends then.
+    void check() const;
+
+private:
+    void write(const char *kind, const QDBusMessage &message, const QDBusMessage *answer);
+
+    QFile file;
+    QString problem;
+};
+
 /// Sends the signals of the interface.
 class Announcer
 {
 public:
-    Announcer(const QDBusConnection &bus, QString objectPath);
+    Announcer(const QDBusConnection &bus, QString objectPath, Record &recordOfSignals);
 
     /// Sends one signal; it is on its way, not delivered, when this returns.
-    void send(const Signal &signal) const;
+    void send(const Signal &signal);
     /// Sends SigInfo.
-    void info(const QString &text) const { send({ "SigInfo"_q, { text } }); }
+    void info(const QString &text) { send({ "SigInfo"_q, { text } }); }
     /// Sends SigError.
-    void error(const QString &text) const { send({ "SigError"_q, { text } }); }
+    void error(const QString &text) { send({ "SigError"_q, { text } }); }
 
 private:
     QDBusConnection connection;
     QString path;
+    Record &record;
 };
 
 /// How much an entry matters; a reporting level shows itself and those before it.

@@ -18,8 +18,9 @@ namespace
 constexpr struct {
     const char *refusal;
     int status;
-} statuses[] = { { "Usage", 1 }, { "Catalog", 2 }, { "Bus", 3 },           { "Name", 4 },
-                 { "Path", 5 },  { "State", 6 },   { "NotRunnable", 126 }, { "NotFound", 127 } };
+} statuses[] = { { "Usage", 1 },  { "Catalog", 2 },       { "Bus", 3 },
+                 { "Name", 4 },   { "Path", 5 },          { "State", 6 },
+                 { "Record", 7 }, { "NotRunnable", 126 }, { "NotFound", 127 } };
 
 void print(std::FILE *stream, const QString &text)
 {

@@ -11,10 +11,11 @@ Options parseOptions(const QStringList &arguments)
     const QCommandLineOption catalog("catalog"_q, {}, "FILE"_q);
     const QCommandLineOption state("state"_q, {}, "DIR"_q);
     const QCommandLineOption fault("fault"_q, {}, "MEMBER=FAULT"_q);
+    const QCommandLineOption log("log"_q, {}, "FILE"_q);
     const QCommandLineOption help(QStringList { "h"_q, "help"_q });
     const QCommandLineOption version("version"_q);
     QCommandLineParser parser;
-    parser.addOptions({ service, path, catalog, state, fault, help, version });
+    parser.addOptions({ service, path, catalog, state, log, fault, help, version });
 
     const auto wrong = [](const QString &sentence) {
         return Refusal { "Usage"_q, sentence + " See movra-sim --help."_q };
@@ -29,6 +30,9 @@ Options parseOptions(const QStringList &arguments)
     if (parser.isSet(catalog) && parser.value(catalog).isEmpty()) {
         throw wrong("The name of the catalogue is empty."_q);
     }
+    if (parser.isSet(log) && parser.value(log).isEmpty()) {
+        throw wrong("The name of the log is empty."_q);
+    }
     Options options;
     for (const QString &text : parser.values(fault)) {
         options.faults.append(readFault(text));
@@ -40,6 +44,7 @@ Options parseOptions(const QStringList &arguments)
     }
     options.service = parser.value(service);
     options.path = parser.value(path);
+    options.logFile = parser.value(log);
     options.catalogFile = parser.value(catalog);
     if (parser.isSet(state)) {
         options.stateDirectory = parser.value(state);
@@ -51,7 +56,7 @@ QString helpText()
 {
     return QStringLiteral(
         R"(Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]
-                 [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]
+                 [--log FILE] [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]
 
 A stand-in for the application service that movra talks to. It owns a name on the
 session bus, answers the interface "varn.pim" and prints "ready" once it does. It
@@ -70,6 +75,8 @@ Options:
                   (default $XDG_STATE_HOME/movra-sim,
                   else $HOME/.local/state/movra-sim; with a command,
                   a temporary one)
+  --log FILE      writes each call and each signal there (-: standard output), a JSON
+                  object a line
   --fault MEMBER=FAULT
                   what calls of this member of the interface (*: of every member)
                   meet with instead of a prompt answer; may be repeated:
@@ -89,6 +96,7 @@ Exit status:
   4  the bus name is malformed, taken or not allowed
   5  the object path is malformed
   6  the directory named by --state cannot be used
+  7  the file named by --log cannot be written
 With a command, its own status: 126 if it cannot be run, 127 if there is no such command,
 128 and the signal's number if a signal ended it.
 )");

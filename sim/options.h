@@ -18,6 +18,7 @@ struct Options {
     QString service;
     QString path;
     QString catalogFile; ///< empty: the built-in catalogue
+    QString logFile; ///< `-`: standard output; empty: none
     std::optional<QString> stateDirectory; ///< without one, the default
     char *const *command = nullptr; ///< its words, up to a null; null: there is no command
     QVector<Fault> faults; ///< in the order given

@@ -45,13 +45,6 @@ struct ShownValueStatus {
     static qint64 size(const Item &item) { return ShownValue::size(item); }
 };
 
-void send(const QDBusConnection &connection, const QDBusMessage &call, const QDBusMessage &reply)
-{
-    if (call.isReplyRequired()) {
-        connection.send(reply);
-    }
-}
-
 QDBusMessage errorReply(const QDBusMessage &call, const Refusal &refusal)
 {
     const QString name =
@@ -142,9 +135,10 @@ const Service::Method Service::methods[] = {
 };
 
 Service::Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
-                 QVector<Fault> faultsOnDemand)
+                 Record &recordOfCalls, QVector<Fault> faultsOnDemand)
     : files(stateFiles)
     , announcer(signalAnnouncer)
+    , record(recordOfCalls)
     , logNames(catalog.logs)
     , debugLogNames(catalog.debugLogs)
     , log(catalog.logs, catalog.debugLogs, files, announcer)
@@ -180,8 +174,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
 {
     const QString wanted = message.interface();
     if (wanted == "org.freedesktop.DBus.Introspectable"_q && message.member() == "Introspect"_q) {
-        send(connection, message,
-             message.createReply(QString::fromUtf8(builtIn("varn.pim.xml"_q))));
+        connection.send(message.createReply(QString::fromUtf8(builtIn("varn.pim.xml"_q))));
         return true;
     }
     const Method *method = find(message);
@@ -196,7 +189,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
         const QString sentence =
             "No such method '%1' in interface 'varn.pim' at object path '%2' "
             "(signature '%3')"_q.arg(message.member(), message.path(), message.signature());
-        send(connection, message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
+        reply(connection, message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
     } else if (const Fault *fault = faultOf(faults, message.member())) {
         suffer(*fault, *method, message, connection);
     } else {
@@ -205,13 +198,22 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
     return true;
 }
 
+void Service::reply(const QDBusConnection &connection, const QDBusMessage &call,
+                    const QDBusMessage &answer)
+{
+    record.noteCall(call, &answer);
+    if (call.isReplyRequired()) {
+        connection.send(answer);
+    }
+}
+
 void Service::answer(const Method &method, const QDBusMessage &call,
                      const QDBusConnection &connection)
 {
     try {
         QVariantList values;
         method.handler(*this, call.arguments(), values);
-        send(connection, call, call.createReply(values));
+        reply(connection, call, call.createReply(values));
     } catch (const Refusal &refusal) {
         if (!refusal.about.isNull()) {
             log.record(LogLevel::Error, refusal.about, "refused: "_q + refusal.sentence);
@@ -220,7 +222,7 @@ void Service::answer(const Method &method, const QDBusMessage &call,
         if (call.member() == "SetValue"_q) {
             announcer.error(refusal.sentence);
         }
-        send(connection, call, errorReply(call, refusal));
+        reply(connection, call, errorReply(call, refusal));
     }
 }
 
@@ -238,16 +240,18 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
         });
         break;
     case Fault::Kind::Refuse:
-        send(connection, call, errorReply(call, { "Refused"_q, fault.text, {} }));
+        reply(connection, call, errorReply(call, { "Refused"_q, fault.text, {} }));
         break;
     case Fault::Kind::WrongType:
-        send(connection, call, call.createReply(ofAnotherType));
+        reply(connection, call, call.createReply(ofAnotherType));
         break;
     case Fault::Kind::Vanish:
+        record.noteCall(call, nullptr);
         hasVanished = true;
         Q_EMIT vanished();
         break;
     case Fault::Kind::Silence:
+        record.noteCall(call, nullptr);
         break;
     }
 }

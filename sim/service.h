@@ -27,7 +27,7 @@ class Service : public QDBusVirtualObject
 
 public:
     Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
-            QVector<Fault> faultsOnDemand);
+            Record &recordOfCalls, QVector<Fault> faultsOnDemand);
 
     /// Whether a method of the interface has this name.
     static bool hasMember(const QString &name);
@@ -46,6 +46,8 @@ private:
     static const Method methods[];
     static const Method *find(const QDBusMessage &message);
 
+    void reply(const QDBusConnection &connection, const QDBusMessage &call,
+               const QDBusMessage &answer);
     void answer(const Method &method, const QDBusMessage &call, const QDBusConnection &connection);
     void suffer(const Fault &fault, const Method &method, const QDBusMessage &call,
                 const QDBusConnection &connection);
@@ -66,6 +68,7 @@ private:
 
     StateFiles &files;
     Announcer &announcer;
+    Record &record;
     QStringList logNames;
     QStringList debugLogNames;
     Log log;

@@ -18,7 +18,7 @@ namespace
 
 constexpr const char *help =
     "Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]\n"
-    "                 [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]\n"
+    "                 [--log FILE] [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]\n"
     "\n"
     "A stand-in for the application service that movra talks to. It owns a name on the\n"
     "session bus, answers the interface \"varn.pim\" and prints \"ready\" once it does. It\n"
@@ -37,6 +37,8 @@ constexpr const char *help =
     "                  (default $XDG_STATE_HOME/movra-sim,\n"
     "                  else $HOME/.local/state/movra-sim; with a command,\n"
     "                  a temporary one)\n"
+    "  --log FILE      writes each call and each signal there (-: standard output), a JSON\n"
+    "                  object a line\n"
     "  --fault MEMBER=FAULT\n"
     "                  what calls of this member of the interface (*: of every member)\n"
     "                  meet with instead of a prompt answer; may be repeated:\n"
@@ -56,6 +58,7 @@ constexpr const char *help =
     "  4  the bus name is malformed, taken or not allowed\n"
     "  5  the object path is malformed\n"
     "  6  the directory named by --state cannot be used\n"
+    "  7  the file named by --log cannot be written\n"
     "With a command, its own status: 126 if it cannot be run, 127 if there is no such command,\n"
     "128 and the signal's number if a signal ended it.\n";
 
@@ -176,7 +179,7 @@ void TestProgram::theManualNamesEveryOptionAndStatus()
         words.append(found.next().captured().trimmed());
     }
     words.removeDuplicates();
-    QCOMPARE(words.size(), 7 + 5 + 7);
+    QCOMPARE(words.size(), 8 + 5 + 8);
     for (const QString &each : qAsConst(words)) {
         // An option or a fault is in bold, a status begins a line of the table.
         const QString wanted =
@@ -230,6 +233,8 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
         "3600000 milliseconds. See movra-sim --help.\n");
     row("a catalogue without a name", { text("--catalog"), QString() },
         "1||movra-sim: The name of the catalogue is empty. See movra-sim --help.\n");
+    row("a log without a name", { text("--log"), QString() },
+        "1||movra-sim: The name of the log is empty. See movra-sim --help.\n");
     row("a catalogue that is not there", { text("--catalog"), text("none.json") },
         "2||movra-sim: the catalogue \"none.json\" is no good: No such file or directory\n");
     row("a catalogue that is a directory", { text("--catalog"), text(".") },
