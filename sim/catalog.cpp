@@ -190,13 +190,9 @@ public:
         readEntries(top, "configs", [this](Fields &fields) { readItem(fields, ItemKind::Config); });
         readEntries(top, "results", [this](Fields &fields) { readItem(fields, ItemKind::Result); });
         readEntries(top, "actions", [this](Fields &fields) { readAction(fields); });
-        // LogGetIds joins the names by blanks, and the debug log's commands separate them by
-        // commas.
-        catalog.logs = readNames(top, "logs", QRegularExpression("\\A[^\\s[:cntrl:]:]+\\z"_q),
-                                 "a name without blanks and colons");
+        catalog.logs = readNames(top, "logs", isLogName, "a name without blanks and colons");
         catalog.debugLogs =
-            readNames(top, "debugLogs", QRegularExpression("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z"_q),
-                      "LOG_ and a name in upper case");
+            readNames(top, "debugLogs", isDebugLogName, "LOG_ and a name in upper case");
         top.refuseOthers();
     }
 
@@ -293,7 +289,7 @@ private:
         return signal;
     }
 
-    static QStringList readNames(Fields &top, const char *key, const QRegularExpression &form,
+    static QStringList readNames(Fields &top, const char *key, bool (*isName)(const QString &),
                                  const char *formInWords)
     {
         QStringList names;
@@ -302,7 +298,7 @@ private:
             const Place place = top.in(key).at(names.size());
             const QString name =
                 entry.is_string() ? QString::fromStdString(entry.get<std::string>()) : QString();
-            if (!form.match(name).hasMatch()) {
+            if (!isName(name)) {
                 throw place.refusal("is not %1"_q.arg(QLatin1String(formInWords)));
             }
             if (known.contains(name)) {
@@ -319,6 +315,18 @@ private:
 };
 
 } // namespace
+
+bool isLogName(const QString &name)
+{
+    static const QRegularExpression form("\\A[^\\s[:cntrl:]:]+\\z"_q);
+    return form.match(name).hasMatch();
+}
+
+bool isDebugLogName(const QString &name)
+{
+    static const QRegularExpression form("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z"_q);
+    return form.match(name).hasMatch();
+}
 
 Catalog readCatalog(const QByteArray &text, const QString &intro)
 {

@@ -23,6 +23,15 @@ struct Catalog {
 Catalog readCatalog(const QByteArray &text, const QString &intro = {});
 /// Reads the catalogue in a file; an empty name means the built-in one.
 Catalog loadCatalog(const QString &fileName);
+/// A catalogue that answers as the service with this name does, in capture.cpp. What it cannot
+/// express, or the service refuses, is left out with a line on standard error.
+QByteArray captureCatalog(const QString &service, const QString &path);
+
+/// Whether a log can have this name: LogGetIds joins them by blanks.
+bool isLogName(const QString &name);
+/// Whether a debug log can have this name: its commands separate them by commas.
+bool isDebugLogName(const QString &name);
+
 /// A file that is built into the program: `catalog.json` or `varn.pim.xml`.
 QByteArray builtIn(const QString &name);
 

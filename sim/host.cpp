@@ -9,7 +9,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QDir>
-#include <QRegularExpression>
 #include <QSocketNotifier>
 
 #include <array>
@@ -71,10 +70,6 @@ void ownName(const QDBusConnection &bus, const QString &name)
 
 void Host::serve(const Options &options, const std::function<void()> &announceReady)
 {
-    static const QRegularExpression objectPath("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"_q);
-    if (!objectPath.match(options.path).hasMatch()) {
-        throw Refusal { "Path"_q, "%1 is not an object path"_q.arg(quoted(options.path)) };
-    }
     const Catalog catalog = loadCatalog(options.catalogFile);
     StateFiles files(options.stateDirectory
                          ? QDir::current().absoluteFilePath(*options.stateDirectory)

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // movra-sim: a simulated application service for demonstrations, scripts and writers of services.
+#include "sim/catalog.h"
 #include "sim/host.h"
 #include "sim/options.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <array>
@@ -18,9 +20,9 @@ namespace
 constexpr struct {
     const char *refusal;
     int status;
-} statuses[] = { { "Usage", 1 },  { "Catalog", 2 },       { "Bus", 3 },
-                 { "Name", 4 },   { "Path", 5 },          { "State", 6 },
-                 { "Record", 7 }, { "NotRunnable", 126 }, { "NotFound", 127 } };
+} statuses[] = { { "Usage", 1 },         { "Catalog", 2 },   { "Bus", 3 },    { "Name", 4 },
+                 { "Path", 5 },          { "State", 6 },     { "Record", 7 }, { "Capture", 8 },
+                 { "NotRunnable", 126 }, { "NotFound", 127 } };
 
 void print(std::FILE *stream, const QString &text)
 {
@@ -43,13 +45,26 @@ int carryOut(const std::function<int()> &task)
     }
 }
 
+void checkPath(const QString &path)
+{
+    static const QRegularExpression objectPath("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"_q);
+    if (!objectPath.match(path).hasMatch()) {
+        throw Refusal { "Path"_q, "%1 is not an object path"_q.arg(quoted(path)) };
+    }
+}
+
+/// The application object, which Qt D-Bus needs, without words of its own.
+struct Application {
+    int count = 1;
+    std::array<char, 10> name { "movra-sim" };
+    std::array<char *, 2> words { name.data(), nullptr };
+    QCoreApplication application { count, words.data() };
+};
+
 int serve(const Options &options, const std::function<void()> &announceReady)
 {
     return carryOut([&] {
-        int count = 1;
-        std::array<char, 10> name { "movra-sim" };
-        std::array<char *, 2> words { name.data(), nullptr };
-        const QCoreApplication application(count, words.data());
+        const Application application;
         Host().serve(options, announceReady);
         return 0;
     });
@@ -72,7 +87,15 @@ int run(int count, char **words)
     case Options::Task::Version:
         print(stdout, versionText());
         return 0;
+    case Options::Task::Capture: {
+        checkPath(options.path);
+        const Application application;
+        const QByteArray text = captureCatalog(options.service, options.path);
+        std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
+        return std::fflush(stdout) == 0 ? 0 : 1;
+    }
     case Options::Task::Serve:
+        checkPath(options.path);
         break;
     }
     if (options.command == nullptr) {

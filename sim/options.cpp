@@ -12,10 +12,11 @@ Options parseOptions(const QStringList &arguments)
     const QCommandLineOption state("state"_q, {}, "DIR"_q);
     const QCommandLineOption fault("fault"_q, {}, "MEMBER=FAULT"_q);
     const QCommandLineOption log("log"_q, {}, "FILE"_q);
+    const QCommandLineOption capture("capture"_q, {}, "NAME"_q);
     const QCommandLineOption help(QStringList { "h"_q, "help"_q });
     const QCommandLineOption version("version"_q);
     QCommandLineParser parser;
-    parser.addOptions({ service, path, catalog, state, log, fault, help, version });
+    parser.addOptions({ service, path, catalog, state, log, fault, capture, help, version });
 
     const auto wrong = [](const QString &sentence) {
         return Refusal { "Usage"_q, sentence + " See movra-sim --help."_q };
@@ -43,6 +44,10 @@ Options parseOptions(const QStringList &arguments)
         options.task = Options::Task::Version;
     }
     options.service = parser.value(service);
+    if (parser.isSet(capture) && options.task == Options::Task::Serve) {
+        options.task = Options::Task::Capture;
+        options.service = parser.value(capture);
+    }
     options.path = parser.value(path);
     options.logFile = parser.value(log);
     options.catalogFile = parser.value(catalog);
@@ -57,6 +62,7 @@ QString helpText()
     return QStringLiteral(
         R"(Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]
                  [--log FILE] [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]
+       movra-sim --capture NAME [--path PATH]
 
 A stand-in for the application service that movra talks to. It owns a name on the
 session bus, answers the interface "varn.pim" and prints "ready" once it does. It
@@ -85,6 +91,8 @@ Options:
                     wrong-type     answered with a value of a type they never have
                     silence        never answered
                     vanish         never answered, and the simulator ends at once
+  --capture NAME  asks the service with this bus name for all that it has, and prints
+                  a catalogue that answers as it did
   -h, --help      print this text
   --version       print the version
 
@@ -97,6 +105,7 @@ Exit status:
   5  the object path is malformed
   6  the directory named by --state cannot be used
   7  the file named by --log cannot be written
+  8  the service cannot be captured
 With a command, its own status: 126 if it cannot be run, 127 if there is no such command,
 128 and the signal's number if a signal ended it.
 )");

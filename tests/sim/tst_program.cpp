@@ -19,6 +19,7 @@ namespace
 constexpr const char *help =
     "Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]\n"
     "                 [--log FILE] [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]\n"
+    "       movra-sim --capture NAME [--path PATH]\n"
     "\n"
     "A stand-in for the application service that movra talks to. It owns a name on the\n"
     "session bus, answers the interface \"varn.pim\" and prints \"ready\" once it does. It\n"
@@ -47,6 +48,8 @@ constexpr const char *help =
     "                    wrong-type     answered with a value of a type they never have\n"
     "                    silence        never answered\n"
     "                    vanish         never answered, and the simulator ends at once\n"
+    "  --capture NAME  asks the service with this bus name for all that it has, and prints\n"
+    "                  a catalogue that answers as it did\n"
     "  -h, --help      print this text\n"
     "  --version       print the version\n"
     "\n"
@@ -59,6 +62,7 @@ constexpr const char *help =
     "  5  the object path is malformed\n"
     "  6  the directory named by --state cannot be used\n"
     "  7  the file named by --log cannot be written\n"
+    "  8  the service cannot be captured\n"
     "With a command, its own status: 126 if it cannot be run, 127 if there is no such command,\n"
     "128 and the signal's number if a signal ended it.\n";
 
@@ -179,7 +183,7 @@ void TestProgram::theManualNamesEveryOptionAndStatus()
         words.append(found.next().captured().trimmed());
     }
     words.removeDuplicates();
-    QCOMPARE(words.size(), 8 + 5 + 8);
+    QCOMPARE(words.size(), 9 + 5 + 9);
     for (const QString &each : qAsConst(words)) {
         // An option or a fault is in bold, a status begins a line of the table.
         const QString wanted =

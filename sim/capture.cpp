@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+// A copy of a running service as a catalogue.
+#include "bus/types.h"
+#include "sim/catalog.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusError>
+#include <QDBusReply>
+#include <QSet>
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include <unistd.h>
+
+namespace
+{
+
+using Line = nlohmann::ordered_json;
+
+Refusal failure(const QString &sentence)
+{
+    return { "Capture"_q, "the service cannot be captured: "_q + sentence };
+}
+
+/// Asks one service, and keeps what it answers as entries of a catalogue.
+class Capture
+{
+public:
+    Capture(const QString &service, QString objectPath)
+        : bus(QDBusConnection::sessionBus())
+        , path(std::move(objectPath))
+    {
+        registerBusTypes();
+        if (!bus.isConnected()) {
+            throw Refusal { "Bus"_q, "there is no session bus: "_q + bus.lastError().message() };
+        }
+        // Calls go to the owner of the name, so that another one cannot continue its answers.
+        const QDBusReply<QString> reply = bus.interface()->serviceOwner(service);
+        if (!reply.isValid()) {
+            throw failure("nobody owns the bus name %1"_q.arg(quoted(service)));
+        }
+        owner = reply.value();
+    }
+
+    QByteArray text()
+    {
+        const QStringList configs = list("ListConfigIds");
+        const QStringList results = list("ListResultIds");
+        total = configs.size() + results.size();
+        // Line by line: the order of the calls is that of the lists.
+        QByteArray text = "{\n" + listText("configs", items(configs));
+        text += listText("results", items(results));
+        text += listText("actions", actions());
+        const QString logs = ask("LogGetIds", "s").value(0).toString();
+        text +=
+            listText("logs", names(logs.split(QLatin1Char(' '), Qt::SkipEmptyParts), isLogName));
+        text += listText("debugLogs", names(list("DbgLogGetIds"), isDebugLogName));
+        text.chop(2);
+        text += "\n}\n";
+        showProgress(true);
+        if (text.size() > StateFiles::mostBytes) {
+            throw failure("the catalogue is larger than 16 MiB"_q);
+        }
+        return text;
+    }
+
+private:
+    /// The values of the answer; none: the call was refused, which is noted.
+    QVariantList ask(const char *member, const char *signature, const QVariantList &arguments = {})
+    {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(owner, path, "varn.pim"_q, QString::fromLatin1(member));
+        call.setArguments(arguments);
+        const QDBusMessage reply = bus.call(call);
+        const QString what = arguments.isEmpty() ? call.member() : arguments.first().toString();
+        if (reply.type() == QDBusMessage::ErrorMessage) {
+            switch (QDBusError(reply).type()) {
+            case QDBusError::NoReply:
+            case QDBusError::Timeout:
+            case QDBusError::TimedOut:
+            case QDBusError::Disconnected:
+            case QDBusError::ServiceUnknown:
+            case QDBusError::UnknownObject:
+            case QDBusError::UnknownInterface:
+            case QDBusError::InvalidSignature:
+                throw failure("%1: %2"_q.arg(quoted(what), shown(reply.errorMessage())));
+            default:
+                skip(what, reply.errorMessage());
+                return {};
+            }
+        }
+        if (reply.signature() != QLatin1String(signature)) {
+            throw failure("%1: the answer has D-Bus type %2 instead of \"%3\""_q.arg(
+                quoted(what), quoted(reply.signature()), QLatin1String(signature)));
+        }
+        return reply.arguments();
+    }
+
+    QStringList list(const char *member) { return ask(member, "as").value(0).toStringList(); }
+
+    void skip(const QString &what, const QString &reason)
+    {
+        showProgress(true);
+        std::fprintf(stderr, "movra-sim: skipped %s: %s\n", qUtf8Printable(quoted(what)),
+                     qUtf8Printable(shown(reason)));
+    }
+
+    /// Whether the identifier can be in the catalogue.
+    bool take(const QString &id)
+    {
+        if (id.isEmpty() || known.contains(id)) {
+            skip(id, id.isEmpty() ? "an identifier is empty"_q : "it is there already"_q);
+            return false;
+        }
+        known.insert(id);
+        return true;
+    }
+
+    QVector<Line> items(const QStringList &ids)
+    {
+        QVector<Line> entries;
+        for (const QString &id : ids) {
+            showProgress(false);
+            const QVariantList answer =
+                take(id) ? ask("GetValueStatus", "(svi)", { id }) : QVariantList();
+            if (answer.isEmpty()) {
+                continue;
+            }
+            const auto found = qdbus_cast<IdValueStatusStruct>(answer.at(0));
+            if (found.id != id) {
+                throw failure("%1: the answer is about %2"_q.arg(quoted(id), quoted(found.id)));
+            }
+            const QString signature = signatureOf(found.value);
+            const auto type = typeWithSignature(signature);
+            if (!type) {
+                skip(id,
+                     "a catalogue has no type for a value of D-Bus type "_q + quoted(signature));
+                continue;
+            }
+            // What is beyond the limits of a catalogue is refused here.
+            try {
+                const QVariant value = valueFromBus(*type, found.value, { {}, {}, "its value"_q });
+                Line entry;
+                entry["id"] = id.toStdString();
+                entry["type"] = typeName(*type).toStdString();
+                entry["value"] = valueToJson(*type, value);
+                if (found.status != 0) {
+                    entry["status"] = found.status;
+                }
+                entries.append(entry);
+            } catch (const Refusal &refusal) {
+                skip(id, refusal.sentence);
+            }
+        }
+        return entries;
+    }
+
+    QVector<Line> actions()
+    {
+        QVector<Line> entries;
+        for (const QString &id : list("ListActionIds")) {
+            if (take(id)) {
+                Line entry;
+                entry["id"] = id.toStdString();
+                entries.append(entry);
+            }
+        }
+        return entries;
+    }
+
+    QVector<Line> names(const QStringList &found, bool (*isName)(const QString &))
+    {
+        QVector<Line> entries;
+        QSet<QString> taken;
+        for (const QString &name : found) {
+            if (!isName(name) || taken.contains(name)) {
+                skip(name, "no catalogue can have this log"_q);
+                continue;
+            }
+            taken.insert(name);
+            entries.append(name.toStdString());
+        }
+        return entries;
+    }
+
+    static QByteArray listText(const char *key, const QVector<Line> &entries)
+    {
+        QByteArrayList lines;
+        for (const Line &entry : entries) {
+            lines.append("\n    " + QByteArray::fromStdString(entry.dump()));
+        }
+        const QByteArray end = lines.isEmpty() ? "]" : "\n  ]";
+        return QByteArray("  \"") + key + "\": [" + lines.join(',') + end + ",\n";
+    }
+
+    /// On a terminal, shows how many identifiers have been asked for, or clears that.
+    void showProgress(bool isOver)
+    {
+        constexpr int pace = 100;
+        static const bool isTerminal = ::isatty(STDERR_FILENO) != 0;
+        if (isTerminal && isOver) {
+            std::fputs("\r\033[K", stderr);
+        } else if (isTerminal && done % pace == 0) {
+            std::fprintf(stderr, "\r%d of %d", done, total);
+        }
+        done += isOver ? 0 : 1;
+    }
+
+    QDBusConnection bus;
+    QString owner;
+    QString path;
+    QSet<QString> known;
+    int done = 0;
+    int total = 0;
+};
+
+} // namespace
+
+QByteArray captureCatalog(const QString &service, const QString &path)
+{
+    return Capture(service, path).text();
+}
