@@ -4,6 +4,7 @@
 #include <Qt>
 #include <QTimerEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -115,4 +116,65 @@ void Actions::end(int index)
     for (const Signal &signal : action.ends) {
         announcer.send(signal);
     }
+}
+
+Timeline::Timeline(QVector<Moment> catalogue, Items &changedItems, Log &logOfChanges,
+                   Announcer &announcerOfSignals)
+    : all(std::move(catalogue))
+    , items(changedItems)
+    , log(logOfChanges)
+    , announcer(announcerOfSignals)
+{
+    timer.setSingleShot(true);
+    timer.setTimerType(Qt::PreciseTimer);
+    connect(&timer, &QTimer::timeout, this, &Timeline::run);
+}
+
+void Timeline::start()
+{
+    for (int index = 0; index < all.size(); ++index) {
+        due.emplace(all.at(index).at, index);
+    }
+    clock.start();
+    wait();
+}
+
+void Timeline::wait()
+{
+    if (!due.empty()) {
+        timer.start(static_cast<int>(std::max<qint64>(0, due.begin()->first - clock.elapsed())));
+    }
+}
+
+void Timeline::run()
+{
+    const qint64 now = clock.elapsed();
+    while (!due.empty() && due.begin()->first <= now) {
+        const auto [time, index] = *due.begin();
+        due.erase(due.begin());
+        const Moment &moment = all.at(index);
+        carryOut(moment);
+        if (moment.every > 0) {
+            // Times that were missed are left out.
+            due.emplace(now + moment.every - (now - time) % moment.every, index);
+        }
+    }
+    wait();
+}
+
+void Timeline::carryOut(const Moment &moment)
+{
+    if (moment.item < 0) {
+        announcer.send(moment.signal);
+        return;
+    }
+    const Item &item = items.at(moment.item);
+    if (moment.value.isValid()) {
+        log.record(LogLevel::Info, item.id,
+                   "changed to "_q + shown(valueToText(item.type, moment.value)));
+    }
+    if (moment.status) {
+        log.record(LogLevel::Info, item.id, "has status %1"_q.arg(*moment.status));
+    }
+    items.assign({ { moment.item, moment.value, moment.status } });
 }

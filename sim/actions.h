@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: MIT
-// The actions of a catalogue and those that run at the moment.
+// What changes by itself: the actions of a catalogue and those that run at the moment, and the
+// timeline.
 #pragma once
 
 #include "sim/items.h"
 #include "sim/log.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <QVector>
+
+#include <set>
+#include <utility>
 
 /// One action.
 struct Action {
@@ -50,6 +56,42 @@ private:
     QHash<QString, int> indexes;
     QHash<int, int> stepsDone; ///< of each running action, by its index
     QHash<int, int> timers; ///< the action whose next step a timer waits for
+    Items &items;
+    Log &log;
+    Announcer &announcer;
+};
+
+/// One entry of the timeline: an item changes, or a signal is sent.
+struct Moment {
+    int at = 0; ///< the first time, in milliseconds from the start
+    int every = 0; ///< the time between two times; 0: there is only one
+    int item = -1; ///< -1: there is a signal
+    QVariant value = {}; ///< not valid: the item's value stays
+    std::optional<int> status = {};
+    Signal signal = {};
+};
+
+/// Carries out the entries when their times have come; those of one time in catalogue order.
+class Timeline : public QObject
+{
+    Q_OBJECT
+
+public:
+    Timeline(QVector<Moment> catalogue, Items &changedItems, Log &logOfChanges,
+             Announcer &announcerOfSignals);
+
+    /// The time begins.
+    void start();
+
+private:
+    void wait();
+    void run();
+    void carryOut(const Moment &moment);
+
+    QVector<Moment> all;
+    std::set<std::pair<qint64, int>> due; ///< times with indexes
+    QElapsedTimer clock;
+    QTimer timer;
     Items &items;
     Log &log;
     Announcer &announcer;

@@ -104,7 +104,9 @@ public:
     /// A field that need not be there; null: it is not.
     const Json *find(const char *key)
     {
-        taken.append(QString::fromLatin1(key));
+        if (!taken.contains(QLatin1String(key))) {
+            taken.append(QString::fromLatin1(key));
+        }
         const auto found = object.find(key);
         return found == object.end() ? nullptr : &*found;
     }
@@ -193,6 +195,12 @@ public:
         catalog.logs = readNames(top, "logs", isLogName, "a name without blanks and colons");
         catalog.debugLogs =
             readNames(top, "debugLogs", isDebugLogName, "LOG_ and a name in upper case");
+        if (top.find("timeline") != nullptr) {
+            readEntries(top, "timeline", [this](Fields &fields) { readMoment(fields); });
+        }
+        if (top.find("$schema") != nullptr) {
+            top.text("$schema");
+        }
         top.refuseOthers();
     }
 
@@ -203,6 +211,9 @@ private:
         for (const Json &entry : top.array(key)) {
             Fields fields(entry, top.in(key).at(index++));
             read(fields);
+            if (fields.find("description") != nullptr) {
+                fields.text("description");
+            }
             fields.refuseOthers();
         }
     }
@@ -230,8 +241,7 @@ private:
         }
         item.type = *type;
         item.value = fields.value(item.type, "value");
-        item.status = fields.integer("status", std::numeric_limits<int>::min(),
-                                     std::numeric_limits<int>::max(), 0);
+        item.status = readStatus(fields);
         indexes[item.id] = catalog.items.size();
         catalog.items.append(item);
     }
@@ -257,6 +267,38 @@ private:
                         [&action](Fields &end) { action.ends.append(readSignal(end)); });
         }
         catalog.actions.append(action);
+    }
+
+    void readMoment(Fields &fields)
+    {
+        Moment moment;
+        moment.every = fields.integer("every", 1, longestDuration, 0);
+        if (moment.every == 0) {
+            fields.need("at");
+        }
+        moment.at = fields.integer("at", 0, longestDuration, moment.every);
+        if (fields.find("id") == nullptr) {
+            moment.signal = readSignal(fields);
+        } else {
+            const QString id = fields.name("id");
+            moment.item = indexes.value(id, -1);
+            if (moment.item < 0) {
+                throw fields.refusal("id", "%1 is not a config or a result"_q.arg(quoted(id)));
+            }
+            if (fields.find("status") != nullptr) {
+                moment.status = readStatus(fields);
+            }
+            if (!moment.status || fields.find("value") != nullptr) {
+                moment.value = fields.value(catalog.items.at(moment.item).type, "value");
+            }
+        }
+        catalog.timeline.append(moment);
+    }
+
+    static int readStatus(Fields &fields)
+    {
+        return fields.integer("status", std::numeric_limits<int>::min(),
+                              std::numeric_limits<int>::max(), 0);
     }
 
     static bool isDriven(const Item &item)

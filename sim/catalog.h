@@ -15,6 +15,7 @@
 struct Catalog {
     QVector<Item> items; ///< configs before results
     QVector<Action> actions;
+    QVector<Moment> timeline;
     QStringList logs;
     QStringList debugLogs;
 };

@@ -4,8 +4,11 @@
 #include "sim/service.h"
 #include "sim/value.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 
 namespace
 {
@@ -23,6 +26,7 @@ struct KindRow {
 constexpr KindRow kinds[] = {
     { "delay", Fault::Kind::Delay, Value::Required },
     { "refuse", Fault::Kind::Refuse, Value::Optional },
+    { "error", Fault::Kind::Refuse, Value::Required },
     { "wrong-type", Fault::Kind::WrongType, Value::None },
     { "vanish", Fault::Kind::Vanish, Value::None },
     { "silence", Fault::Kind::Silence, Value::None },
@@ -39,16 +43,21 @@ Fault readFault(const QString &text)
                          "The fault %1 is no good: %2. See movra-sim --help."_q.arg(quoted(text),
                                                                                     reason) };
     };
-    const int equals = text.indexOf(QLatin1Char('='));
-    if (equals < 0) {
-        throw wrong("it is not of the form MEMBER=FAULT"_q);
+    static const QRegularExpression form(
+        "\\A([^(=]*)(?:\\((.*?)\\))?=(.*?)(?:@([1-9][0-9]{0,8}))?\\z"_q,
+        QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch parts = form.match(text);
+    if (!parts.hasMatch()) {
+        throw wrong("it is not of the form MEMBER[(ID)]=FAULT[@N]"_q);
     }
     Fault fault;
-    fault.member = text.left(equals);
+    fault.member = parts.captured(1);
+    fault.id = parts.captured(2);
+    fault.only = parts.captured(4).toInt();
     if (fault.member != everyMember && !Service::hasMember(fault.member)) {
         throw wrong("the interface has no member %1"_q.arg(quoted(fault.member)));
     }
-    const QString what = text.mid(equals + 1);
+    const QString what = parts.captured(3);
     const QString word = what.section(QLatin1Char(':'), 0, 0);
     const bool hasValue = word.size() < what.size();
     const QString value = what.mid(word.size() + 1);
@@ -57,11 +66,24 @@ Fault readFault(const QString &text)
                      [&word](const KindRow &each) { return word == QLatin1String(each.word); });
     if (row == std::end(kinds) || (row->value == Value::None && hasValue)
         || (row->value == Value::Required && !hasValue)) {
-        throw wrong("%1 is not delay:MS, refuse, refuse:TEXT, wrong-type, vanish or silence"_q.arg(
-            quoted(what)));
+        throw wrong(
+            "%1 is not delay:MS, refuse, refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, "
+            "vanish or silence"_q.arg(quoted(what)));
     }
     fault.kind = row->kind;
-    fault.text = value.isEmpty() ? "This call is refused on demand."_q : value;
+    QString sentence = value;
+    if (word == "error"_q) {
+        static const QRegularExpression name(
+            "\\A(?=.{1,255}\\z)[A-Za-z_][A-Za-z0-9_]*(\\.[A-Za-z_][A-Za-z0-9_]*)+\\z"_q);
+        fault.error = value.section(QLatin1Char(':'), 0, 0);
+        if (!name.match(fault.error).hasMatch()) {
+            throw wrong("%1 is not the name of a bus error"_q.arg(quoted(fault.error)));
+        }
+        sentence = value.mid(fault.error.size() + 1);
+    }
+    if (!sentence.isEmpty()) {
+        fault.text = sentence;
+    }
     if (fault.kind == Fault::Kind::Delay) {
         bool isNumber = false;
         fault.delay = value.toInt(&isNumber);
@@ -73,12 +95,20 @@ Fault readFault(const QString &text)
     return fault;
 }
 
-const Fault *faultOf(const QVector<Fault> &faults, const QString &member)
+const Fault *faultOf(QVector<Fault> &faults, const QString &member, const QStringList &ids)
 {
     const Fault *found = nullptr;
-    for (const Fault &fault : faults) {
-        const bool isWorse = found == nullptr || found->member == everyMember;
-        if (fault.member == member || (fault.member == everyMember && isWorse)) {
+    const auto rank = [](const Fault &fault) {
+        return std::make_tuple(fault.member != everyMember, !fault.id.isNull(), fault.only != 0);
+    };
+    for (Fault &fault : faults) {
+        if ((fault.member != member && fault.member != everyMember)
+            || (!fault.id.isNull() && !ids.contains(fault.id))) {
+            continue;
+        }
+        ++fault.calls;
+        if ((fault.only == 0 || fault.only == fault.calls)
+            && (found == nullptr || rank(fault) >= rank(*found))) {
             found = &fault;
         }
     }

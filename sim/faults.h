@@ -2,20 +2,29 @@
 // Fault injection: what the calls of a member meet with instead of a prompt answer.
 #pragma once
 
+#include "sim/errors.h"
+
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 /// What happens to the calls of one member.
 struct Fault {
     enum class Kind { Delay, Refuse, WrongType, Vanish, Silence };
-    QString member; ///< `*`: every member that no other fault names
+    QString member; ///< `*`: every member
+    QString id = {}; ///< only calls whose first argument is or names this; null: all
+    int only = 0; ///< only this one of the calls, counted from 1; 0: all
     Kind kind = Kind::Silence;
     int delay = 0; ///< in milliseconds; only Kind::Delay has any
-    QString text; ///< the sentence of the error; only Kind::Refuse has any
+    QString error = "Refused"_q; ///< its name; only for Kind::Refuse, like the text
+    QString text = "This call is refused on demand."_q;
+    int calls = 0; ///< that the fault has been asked about
 };
 
-/// Reads a fault such as `GetValue=delay:500`.
+/// Reads a fault such as `GetValue(:id:)=delay:500@3`.
 Fault readFault(const QString &text);
 
-/// What calls of the member meet with, the last one given if there are several; null: nothing.
-const Fault *faultOf(const QVector<Fault> &faults, const QString &member);
+/// What the call meets with; null: nothing. Counts the call. Of several faults for the call, one
+/// for a member comes before one for every member, then one for an identifier before one without,
+/// then one for a single call; then the last one given counts.
+const Fault *faultOf(QVector<Fault> &faults, const QString &member, const QStringList &ids);

@@ -98,6 +98,7 @@ void Host::serve(const Options &options, const std::function<void()> &announceRe
     catchSignals(this);
     ownName(bus, options.service);
     announceReady();
+    service.startTimeline();
     if (QCoreApplication::exec() != withoutAWord) {
         announcer.send({ "SigDBusServerClosing"_q, { "movra-sim is closing"_q } });
     }

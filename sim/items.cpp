@@ -30,11 +30,14 @@ void Items::assign(const QVector<Assignment> &assignments)
 {
     for (const Assignment &assignment : assignments) {
         Item &item = all[assignment.index];
+        const QVariant value = assignment.value.isValid() ? assignment.value : item.value;
+        const int status = assignment.status.value_or(item.status);
         if (listed.contains(assignment.index)
-            && !sameValue(item.type, item.value, assignment.value)) {
+            && (status != item.status || !sameValue(item.type, item.value, value))) {
             of(item.kind).pending.insert(assignment.index, true);
         }
-        item.value = assignment.value;
+        item.value = value;
+        item.status = status;
     }
     for (const ItemKind kind : { ItemKind::Config, ItemKind::Result }) {
         if (of(kind).started && of(kind).pace == 0) {

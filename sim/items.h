@@ -16,6 +16,8 @@
 #include <QVariant>
 #include <QVector>
 
+#include <optional>
+
 /// Clients can set configs; results change only by themselves.
 enum class ItemKind { Config, Result };
 
@@ -31,7 +33,8 @@ struct Item {
 /// A value on its way into an item.
 struct Assignment {
     int index = 0;
-    QVariant value; ///< of the item's type
+    QVariant value; ///< of the item's type; not valid: the value stays
+    std::optional<int> status = {}; ///< without one, the status stays
 };
 
 /// All items; an item's index is its place in the catalogue, configs before results. The notify
@@ -49,7 +52,7 @@ public:
     int indexOf(const QString &id) const { return indexes.value(id, -1); }
     /// The identifiers of one kind in catalogue order.
     QStringList ids(ItemKind kind) const;
-    /// Puts values in place, one after the other.
+    /// Puts values and statuses in place, one after the other.
     void assign(const QVector<Assignment> &assignments);
 
     /// Puts an item on the notify list; changes count from now on.

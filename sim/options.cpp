@@ -83,11 +83,14 @@ Options:
                   a temporary one)
   --log FILE      writes each call and each signal there (-: standard output), a JSON
                   object a line
-  --fault MEMBER=FAULT
+  --fault MEMBER[(ID)]=FAULT[@N]
                   what calls of this member of the interface (*: of every member)
-                  meet with instead of a prompt answer; may be repeated:
+                  meet with instead of a prompt answer, only those whose first
+                  argument names the identifier, only the N-th; may be repeated:
                     delay:MS       carried out and answered so much later
                     refuse[:TEXT]  refused with varn.pim.Error.Refused
+                    error:NAME[:TEXT]
+                                   refused with the bus error of this name
                     wrong-type     answered with a value of a type they never have
                     silence        never answered
                     vanish         never answered, and the simulator ends at once

@@ -45,6 +45,18 @@ struct ShownValueStatus {
     static qint64 size(const Item &item) { return ShownValue::size(item); }
 };
 
+/// The identifiers in the first argument of a call.
+QStringList namedIn(const QVariant &argument)
+{
+    QStringList ids = argument.toStringList();
+    if (argument.userType() == qMetaTypeId<QDBusArgument>()) {
+        for (const IdValueStruct &each : qdbus_cast<QList<IdValueStruct>>(argument)) {
+            ids.append(each.id);
+        }
+    }
+    return ids;
+}
+
 QDBusMessage errorReply(const QDBusMessage &call, const Refusal &refusal)
 {
     const QString name =
@@ -144,6 +156,7 @@ Service::Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &sign
     , log(catalog.logs, catalog.debugLogs, files, announcer)
     , items(catalog.items, announcer)
     , actions(catalog.actions, items, log, announcer)
+    , timeline(catalog.timeline, items, log, announcer)
     , faults(std::move(faultsOnDemand))
 {
     registerBusTypes();
@@ -190,7 +203,8 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
             "No such method '%1' in interface 'varn.pim' at object path '%2' "
             "(signature '%3')"_q.arg(message.member(), message.path(), message.signature());
         reply(connection, message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
-    } else if (const Fault *fault = faultOf(faults, message.member())) {
+    } else if (const Fault *fault =
+                   faultOf(faults, message.member(), namedIn(message.arguments().value(0)))) {
         suffer(*fault, *method, message, connection);
     } else {
         answer(*method, message, connection);
@@ -240,7 +254,7 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
         });
         break;
     case Fault::Kind::Refuse:
-        reply(connection, call, errorReply(call, { "Refused"_q, fault.text, {} }));
+        reply(connection, call, errorReply(call, { fault.error, fault.text }));
         break;
     case Fault::Kind::WrongType:
         reply(connection, call, call.createReply(ofAnotherType));

@@ -29,6 +29,8 @@ public:
     Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
             Record &recordOfCalls, QVector<Fault> faultsOnDemand);
 
+    /// The time of the timeline begins.
+    void startTimeline() { timeline.start(); }
     /// Whether a method of the interface has this name.
     static bool hasMember(const QString &name);
 
@@ -74,6 +76,7 @@ private:
     Log log;
     Items items;
     Actions actions;
+    Timeline timeline;
     QVector<Fault> faults;
     bool hasVanished = false;
 };

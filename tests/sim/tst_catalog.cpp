@@ -90,7 +90,8 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
         "results: is an object, not an array");
     row("an unknown list",
         R"({"configs": [], "results": [], "actions": [], "logs": [], "debugLogs": [], "x": 1})",
-        "x: is not known; fields are configs, results, actions, logs, debugLogs");
+        "x: is not known; fields are configs, results, actions, logs, debugLogs, timeline, "
+        "$schema");
 
     const auto config = [row](const char *name, const QByteArray &list, const char *problem) {
         row(name, catalogWith("configs", list), problem);
@@ -128,7 +129,8 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
            R"([{"id": "a", "type": "bool", "value": true, "status": 1.5}])",
            "configs[0].status: 1.5 is not a whole number");
     config("an unknown field", R"([{"id": "a", "type": "bool", "value": true, "colour": 1}])",
-           "configs[0].colour: is not known; fields are id, type, value, status");
+           "configs[0].colour: is not known; fields are id, type, value, "
+           "status, description");
     row("an id of a config used by a result",
         R"({"configs": [{"id": "a", "type": "bool", "value": true}],
             "results": [{"id": "a", "type": "bool", "value": true}],
@@ -169,7 +171,7 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
            "actions[0].ends[0].message: is missing");
     action("an end with data that its signal has not",
            R"([{"id": "a", "ends": [{"signal": "SigInfo", "message": "", "data": []}]}])",
-           "actions[0].ends[0].data: is not known; fields are signal, message");
+           "actions[0].ends[0].data: is not known; fields are signal, message, description");
     action("an end without the type of its data",
            R"([{"id": "a", "ends": [{"signal": "SigTestCompleteWithData", "message": ""}]}])",
            "actions[0].ends[0].type: is missing");
@@ -181,6 +183,32 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
         "an end with data out of range",
         R"([{"id": "a", "ends": [{"signal": "SigTestCompleteWithData", "message": "", "type": "uint32[]", "data": [1, -1]}]}])",
         "actions[0].ends[0].data[1]: -1 does not fit uint32");
+
+    const auto moment = [row](const char *name, const QByteArray &list, const char *problem) {
+        row(name,
+            R"({"configs": [{"id": "c", "type": "int32", "value": 0}], "results": [],
+                "actions": [{"id": "a"}], "logs": [], "debugLogs": [], "timeline": )"
+                + list + '}',
+            problem);
+    };
+    moment("a moment without a time", R"([{"id": "c", "value": 1}])", "timeline[0].at: is missing");
+    moment("a moment that is too late", R"([{"at": 3600001, "id": "c", "value": 1}])",
+           "timeline[0].at: 3600001 is not in 0 to 3600000");
+    moment("a moment without end", R"([{"every": 0, "id": "c", "value": 1}])",
+           "timeline[0].every: 0 is not in 1 to 3600000");
+    moment("a moment of an action", R"([{"at": 1, "id": "a", "value": 1}])",
+           "timeline[0].id: \"a\" is not a config or a result");
+    moment("a moment that changes nothing", R"([{"at": 1, "id": "c"}])",
+           "timeline[0].value: is missing");
+    moment("a moment with a value of another type", R"([{"at": 1, "id": "c", "value": "x"}])",
+           "timeline[0].value: \"x\" is not a whole number");
+    moment("a moment with an item and a signal",
+           R"([{"at": 1, "id": "c", "status": 1, "signal": "SigInfo", "message": ""}])",
+           "timeline[0].message: is not known; fields are every, at, id, status, value, "
+           "description");
+    moment("a moment with another signal", R"([{"at": 1, "signal": "Sig", "message": ""}])",
+           "timeline[0].signal: \"Sig\" is not a signal to send; signals are SigAlarm, SigError, "
+           "SigInfo, SigTestComplete, SigTestCompleteWithData, SigUpdate");
 
     row("a log that is a number", catalogWith("logs", "[5]"),
         "logs[0]: is not a name without blanks and colons");

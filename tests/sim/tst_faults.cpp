@@ -36,6 +36,8 @@ private Q_SLOTS:
     void whoVanishesSaysNothing();
     void theLastFaultOfAMemberCounts_data();
     void theLastFaultOfAMemberCounts();
+    void onlyOneCallFails();
+    void onlyCallsThatNameTheItemFail();
     void otherInterfacesAreSpared();
 
 private:
@@ -180,6 +182,24 @@ void TestFaults::theLastFaultOfAMemberCounts_data()
         << QStringList { text("*=silence"), text("GetValue=refuse:a") } << refusalBy("a");
     QTest::newRow("another member")
         << QStringList { text("GetValueStatus=silence") } << text("v <21>");
+    QTest::newRow("a number that is no call's")
+        << QStringList { text("GetValue=refuse:a@b@0") } << refusalBy("a@b@0");
+    QTest::newRow("a chosen error") << QStringList { text("GetValue=error:com.varn.Locked") }
+                                    << text("com.varn.Locked: This call is refused on demand.");
+    QTest::newRow("a chosen error with a sentence")
+        << QStringList { text("GetValue=error:com.varn.Locked:a: b") }
+        << text("com.varn.Locked: a: b");
+    QTest::newRow("the item before the member")
+        << QStringList { text("GetValue(:config:data:ftp:port:)=refuse:a"),
+                         text("GetValue=silence") }
+        << refusalBy("a");
+    QTest::newRow("another item") << QStringList { text("GetValue(:config:voip:jitter:)=silence") }
+                                  << text("v <21>");
+    QTest::newRow("an item of every member")
+        << QStringList { text("*(:config:data:ftp:port:)=refuse:a"), text("*=silence") }
+        << refusalBy("a");
+    QTest::newRow("the first call before all")
+        << QStringList { text("GetValue=refuse:a@1"), text("GetValue=silence") } << refusalBy("a");
     QTest::newRow("no sentence") << QStringList { text("GetValue=refuse:") }
                                  << refusalBy("This call is refused on demand.");
 }
@@ -190,6 +210,32 @@ void TestFaults::theLastFaultOfAMemberCounts()
     QFETCH(QString, answer);
     QVERIFY(startWith(faults));
     QCOMPARE(answerTo(service->GetValue(port)), answer);
+}
+
+void TestFaults::onlyOneCallFails()
+{
+    QVERIFY(startWith({ text("GetValue=refuse:third@3"),
+                        text("GetValue(:config:voip:jitter:)=refuse:second of it@2") }));
+    const QString jitter = text(":config:voip:jitter:");
+    QCOMPARE(answerTo(service->GetValue(port)), text("v <21>"));
+    QCOMPARE(answerTo(service->GetValue(jitter)), text("v <2.5>"));
+    QCOMPARE(answerTo(service->GetStatus(port)), text("i 0"));
+    QCOMPARE(answerTo(service->GetValue(port)), refusalBy("third"));
+    QCOMPARE(answerTo(service->GetValue(QStringList { port, jitter })), refusalBy("second of it"));
+    QCOMPARE(answerTo(service->GetValue(jitter)), text("v <2.5>"));
+}
+
+void TestFaults::onlyCallsThatNameTheItemFail()
+{
+    QVERIFY(startWith({ text("SetValue(:config:data:ftp:port:)=refuse:no") }));
+    const QString jitter = text(":config:voip:jitter:");
+    QCOMPARE(answerTo(service->SetValue(jitter, QDBusVariant(text("1")))), QString());
+    QCOMPARE(answerTo(service->SetValue(port, QDBusVariant(text("1")))), refusalBy("no"));
+    QCOMPARE(answerTo(service->SetValue(
+                 QList<IdValueStruct> { { jitter, text("2") }, { port, text("2") } })),
+             refusalBy("no"));
+    QCOMPARE(answerTo(service->GetValue(QStringList { port, jitter })),
+             text("a(sv) [(':config:data:ftp:port:', <21>), (':config:voip:jitter:', <1>)]"));
 }
 
 void TestFaults::otherInterfacesAreSpared()

@@ -40,11 +40,14 @@ constexpr const char *help =
     "                  a temporary one)\n"
     "  --log FILE      writes each call and each signal there (-: standard output), a JSON\n"
     "                  object a line\n"
-    "  --fault MEMBER=FAULT\n"
+    "  --fault MEMBER[(ID)]=FAULT[@N]\n"
     "                  what calls of this member of the interface (*: of every member)\n"
-    "                  meet with instead of a prompt answer; may be repeated:\n"
+    "                  meet with instead of a prompt answer, only those whose first\n"
+    "                  argument names the identifier, only the N-th; may be repeated:\n"
     "                    delay:MS       carried out and answered so much later\n"
     "                    refuse[:TEXT]  refused with varn.pim.Error.Refused\n"
+    "                    error:NAME[:TEXT]\n"
+    "                                   refused with the bus error of this name\n"
     "                    wrong-type     answered with a value of a type they never have\n"
     "                    silence        never answered\n"
     "                    vanish         never answered, and the simulator ends at once\n"
@@ -183,7 +186,7 @@ void TestProgram::theManualNamesEveryOptionAndStatus()
         words.append(found.next().captured().trimmed());
     }
     words.removeDuplicates();
-    QCOMPARE(words.size(), 9 + 5 + 9);
+    QCOMPARE(words.size(), 9 + 6 + 9);
     for (const QString &each : qAsConst(words)) {
         // An option or a fault is in bold, a status begins a line of the table.
         const QString wanted =
@@ -209,8 +212,8 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
     row("a stray argument", { text("com.varn.tul"), text("/") },
         "1||movra-sim: \"com.varn.tul\" is one argument too many. See movra-sim --help.\n");
     row("a fault without its member", { text("--fault"), text("silence") },
-        "1||movra-sim: The fault \"silence\" is no good: it is not of the form MEMBER=FAULT. See "
-        "movra-sim --help.\n");
+        "1||movra-sim: The fault \"silence\" is no good: it is not of the form "
+        "MEMBER[(ID)]=FAULT[@N]. See movra-sim --help.\n");
     row("a fault of a member that is not there", { text("--fault"), text("getvalue=silence") },
         "1||movra-sim: The fault \"getvalue=silence\" is no good: the interface has no member "
         "\"getvalue\". See movra-sim --help.\n");
@@ -219,13 +222,22 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
         "\"SigInfo\". See movra-sim --help.\n");
     row("an unknown fault", { text("--fault"), text("*=explode") },
         "1||movra-sim: The fault \"*=explode\" is no good: \"explode\" is not delay:MS, refuse, "
-        "refuse:TEXT, wrong-type, vanish or silence. See movra-sim --help.\n");
+        "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
+        "--help.\n");
     row("a fault with a value too many", { text("--fault"), text("*=vanish:5") },
         "1||movra-sim: The fault \"*=vanish:5\" is no good: \"vanish:5\" is not delay:MS, refuse, "
-        "refuse:TEXT, wrong-type, vanish or silence. See movra-sim --help.\n");
+        "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
+        "--help.\n");
+    row("an error without a name", { text("--fault"), text("*=error:") },
+        "1||movra-sim: The fault \"*=error:\" is no good: \"\" is not the name of a bus error. See "
+        "movra-sim --help.\n");
+    row("an error whose name has no dot", { text("--fault"), text("*=error:Locked:text") },
+        "1||movra-sim: The fault \"*=error:Locked:text\" is no good: \"Locked\" is not the name of "
+        "a bus error. See movra-sim --help.\n");
     row("a delay without its time", { text("--fault"), text("GetValue=delay") },
         "1||movra-sim: The fault \"GetValue=delay\" is no good: \"delay\" is not delay:MS, refuse, "
-        "refuse:TEXT, wrong-type, vanish or silence. See movra-sim --help.\n");
+        "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
+        "--help.\n");
     row("a delay that is no number", { text("--fault"), text("GetValue=delay:5s") },
         "1||movra-sim: The fault \"GetValue=delay:5s\" is no good: \"5s\" is not in 0 to 3600000 "
         "milliseconds. See movra-sim --help.\n");
