@@ -45,9 +45,15 @@ void catchSignals(QObject *context)
         notifier->setEnabled(false);
         QCoreApplication::quit();
     });
-    for (const int number : { SIGINT, SIGTERM }) {
+    for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
         struct sigaction action {
         };
+        ::sigaction(number, nullptr, &action);
+        // Whoever started the program in the background, or with nohup, means it.
+        if (number != SIGTERM && action.sa_handler == SIG_IGN) {
+            continue;
+        }
+        action = {};
         action.sa_handler = &wake;
         action.sa_flags = SA_RESTART;
         ::sigaction(number, &action, nullptr);

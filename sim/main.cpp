@@ -87,6 +87,9 @@ int run(int count, char **words)
     case Options::Task::Version:
         print(stdout, versionText());
         return 0;
+    case Options::Task::Check:
+        loadCatalog(options.catalogFile);
+        return 0;
     case Options::Task::Capture: {
         checkPath(options.path);
         const Application application;

@@ -13,10 +13,11 @@ Options parseOptions(const QStringList &arguments)
     const QCommandLineOption fault("fault"_q, {}, "MEMBER=FAULT"_q);
     const QCommandLineOption log("log"_q, {}, "FILE"_q);
     const QCommandLineOption capture("capture"_q, {}, "NAME"_q);
+    const QCommandLineOption check("check"_q, {}, "FILE"_q);
     const QCommandLineOption help(QStringList { "h"_q, "help"_q });
     const QCommandLineOption version("version"_q);
     QCommandLineParser parser;
-    parser.addOptions({ service, path, catalog, state, log, fault, capture, help, version });
+    parser.addOptions({ service, path, catalog, state, log, fault, capture, check, help, version });
 
     const auto wrong = [](const QString &sentence) {
         return Refusal { "Usage"_q, sentence + " See movra-sim --help."_q };
@@ -28,7 +29,8 @@ Options parseOptions(const QStringList &arguments)
         throw wrong(
             "%1 is one argument too many."_q.arg(quoted(parser.positionalArguments().first())));
     }
-    if (parser.isSet(catalog) && parser.value(catalog).isEmpty()) {
+    if ((parser.isSet(catalog) && parser.value(catalog).isEmpty())
+        || (parser.isSet(check) && parser.value(check).isEmpty())) {
         throw wrong("The name of the catalogue is empty."_q);
     }
     if (parser.isSet(log) && parser.value(log).isEmpty()) {
@@ -51,6 +53,10 @@ Options parseOptions(const QStringList &arguments)
     options.path = parser.value(path);
     options.logFile = parser.value(log);
     options.catalogFile = parser.value(catalog);
+    if (parser.isSet(check) && options.task == Options::Task::Serve) {
+        options.task = Options::Task::Check;
+        options.catalogFile = parser.value(check);
+    }
     if (parser.isSet(state)) {
         options.stateDirectory = parser.value(state);
     }
@@ -63,10 +69,11 @@ QString helpText()
         R"(Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]
                  [--log FILE] [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]
        movra-sim --capture NAME [--path PATH]
+       movra-sim --check FILE
 
 A stand-in for the application service that movra talks to. It owns a name on the
 session bus, answers the interface "varn.pim" and prints "ready" once it does. It
-ends on SIGINT or SIGTERM, after a SigDBusServerClosing.
+ends on SIGINT, SIGTERM or SIGHUP, after a SigDBusServerClosing.
 
 With a command it serves on a private session bus instead, where it runs the command
 with DBUS_SESSION_BUS_ADDRESS and MOVRA_SIM_STATE (the state directory) set, and ends
@@ -96,11 +103,13 @@ Options:
                     vanish         never answered, and the simulator ends at once
   --capture NAME  asks the service with this bus name for all that it has, and prints
                   a catalogue that answers as it did
+  --check FILE    reads a catalogue and tells the first thing that is wrong with it;
+                  needs no bus
   -h, --help      print this text
   --version       print the version
 
 Exit status:
-  0  told to end, or vanished, or help or version printed
+  0  told to end, or vanished, or printed what was asked for, or the catalogue is good
   1  wrong options or stray arguments
   2  the catalogue cannot be read or is malformed
   3  there is no session bus, or it went away

@@ -13,7 +13,7 @@
 
 /// What the command line asks for.
 struct Options {
-    enum class Task { Serve, Capture, Help, Version };
+    enum class Task { Serve, Capture, Check, Help, Version };
     Task task = Task::Serve;
     QString service;
     QString path;

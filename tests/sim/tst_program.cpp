@@ -20,10 +20,11 @@ constexpr const char *help =
     "Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]\n"
     "                 [--log FILE] [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]\n"
     "       movra-sim --capture NAME [--path PATH]\n"
+    "       movra-sim --check FILE\n"
     "\n"
     "A stand-in for the application service that movra talks to. It owns a name on the\n"
     "session bus, answers the interface \"varn.pim\" and prints \"ready\" once it does. It\n"
-    "ends on SIGINT or SIGTERM, after a SigDBusServerClosing.\n"
+    "ends on SIGINT, SIGTERM or SIGHUP, after a SigDBusServerClosing.\n"
     "\n"
     "With a command it serves on a private session bus instead, where it runs the command\n"
     "with DBUS_SESSION_BUS_ADDRESS and MOVRA_SIM_STATE (the state directory) set, and ends\n"
@@ -53,11 +54,13 @@ constexpr const char *help =
     "                    vanish         never answered, and the simulator ends at once\n"
     "  --capture NAME  asks the service with this bus name for all that it has, and prints\n"
     "                  a catalogue that answers as it did\n"
+    "  --check FILE    reads a catalogue and tells the first thing that is wrong with it;\n"
+    "                  needs no bus\n"
     "  -h, --help      print this text\n"
     "  --version       print the version\n"
     "\n"
     "Exit status:\n"
-    "  0  told to end, or vanished, or help or version printed\n"
+    "  0  told to end, or vanished, or printed what was asked for, or the catalogue is good\n"
     "  1  wrong options or stray arguments\n"
     "  2  the catalogue cannot be read or is malformed\n"
     "  3  there is no session bus, or it went away\n"
@@ -116,6 +119,7 @@ private Q_SLOTS:
     void aLostBusEndsTheProgram();
     void aSignalEndsTheProgramInOrder_data();
     void aSignalEndsTheProgramInOrder();
+    void signalsIgnoredAtTheStartStayIgnored();
     void nameAndPathAreThoseOfTheOptions();
     void aRelativeStateDirectoryIsMadeAtTheStart();
     void noFileIsMadeWithoutNeed();
@@ -186,7 +190,7 @@ void TestProgram::theManualNamesEveryOptionAndStatus()
         words.append(found.next().captured().trimmed());
     }
     words.removeDuplicates();
-    QCOMPARE(words.size(), 9 + 6 + 9);
+    QCOMPARE(words.size(), 10 + 6 + 9);
     for (const QString &each : qAsConst(words)) {
         // An option or a fault is in bold, a status begins a line of the table.
         const QString wanted =
@@ -264,6 +268,14 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
         "not fit int32\n");
     row("a catalogue without end", { text("--catalog"), text("/dev/zero") },
         "2||movra-sim: the catalogue \"/dev/zero\" is no good: is larger than 16 MiB\n");
+    row("a checked catalogue without a name", { text("--check"), QString() },
+        "1||movra-sim: The name of the catalogue is empty. See movra-sim --help.\n");
+    row("a checked catalogue that is not there", { text("--check"), text("none.json") },
+        "2||movra-sim: the catalogue \"none.json\" is no good: No such file or directory\n");
+    row("a checked catalogue with a wrong value", { text("--check"), text("value.json") },
+        "2||movra-sim: the catalogue \"value.json\" is no good: configs[0].value: 300000000000 "
+        "does not fit int32\n");
+    row("a checked catalogue that is good", { text("--check"), text("good.json") }, "0||");
     row("a name without a dot", { text("--service"), text("varn") },
         "4||movra-sim: the bus name \"varn\" cannot be owned: Requested bus name \"varn\" is not "
         "valid\n");
@@ -307,6 +319,8 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus()
     QVERIFY(write("syntax.json", "{\"configs\": [],\n}"));
     QVERIFY(write("value.json",
                   R"({"configs": [{"id": "a", "type": "int32", "value": 300000000000}]})"));
+    QVERIFY(write("good.json",
+                  R"({"configs": [], "results": [], "actions": [], "logs": [], "debugLogs": []})"));
     QCOMPARE(run(arguments), expected);
 }
 
@@ -352,6 +366,7 @@ void TestProgram::aSignalEndsTheProgramInOrder_data()
     QTest::addColumn<int>("number");
     QTest::newRow("SIGINT") << SIGINT;
     QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
 }
 
 void TestProgram::aSignalEndsTheProgramInOrder()
@@ -375,6 +390,23 @@ void TestProgram::aSignalEndsTheProgramInOrder()
         patienceMs);
     QCOMPARE(simulator.readAllStandardOutput(), QByteArray());
     QCOMPARE(simulator.readAllStandardError(), QByteArray());
+}
+
+void TestProgram::signalsIgnoredAtTheStartStayIgnored()
+{
+    QProcess simulator;
+    simulator.start(text("sh"), { text("-c"), text("trap '' HUP INT; exec " MOVRA_SIM_PROGRAM) });
+    while (!simulator.canReadLine()) {
+        QVERIFY(simulator.waitForReadyRead());
+    }
+    KorAppInterface service(text("com.varn.tul"), text("/"), QDBusConnection::sessionBus(),
+                            nullptr);
+    QSignalSpy closings(&service, &KorAppInterface::SigDBusServerClosing);
+    const auto pid = static_cast<pid_t>(simulator.processId());
+    QCOMPARE(::kill(pid, SIGHUP) + ::kill(pid, SIGINT), 0);
+    QCOMPARE(answerTo(service.DBusServerStatus()), text("i 0"));
+    QCOMPARE(closings.count(), 0);
+    QVERIFY(endSimulator(simulator, SIGTERM));
 }
 
 void TestProgram::nameAndPathAreThoseOfTheOptions()
