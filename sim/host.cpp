@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sim/host.h"
 
+#include "bus/connection.h"
 #include "sim/catalog.h"
 #include "sim/service.h"
 
@@ -64,6 +65,7 @@ void ownName(const QDBusConnection &bus, const QString &name)
 {
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
         bus.interface()->registerService(name);
+    outliveBus(); // busLost() sees to that from now on
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
         return;
     }
@@ -90,7 +92,10 @@ void Host::serve(const Options &options, const std::function<void()> &announceRe
 
     Record record(options.logFile);
 
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    constexpr int noBus = 3;
+    QDBusConnection bus = openSessionBus(
+        { STDERR_FILENO, "movra-sim: there is no session bus: Not connected to D-Bus server\n",
+          noBus });
     if (!bus.isConnected()) {
         throw Refusal { "Bus"_q, "there is no session bus: "_q + bus.lastError().message() };
     }
