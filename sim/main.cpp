@@ -14,6 +14,9 @@
 #include <cstring>
 #include <iterator>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace
 {
 
@@ -114,6 +117,12 @@ int run(int count, char **words)
 
 int main(int argc, char **argv)
 {
+    // A stream that is closed would be the next file or socket that is opened.
+    int descriptor = -1;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    ::close(descriptor);
     // Before there is an application object: a command is started from a process without threads.
     std::setlocale(LC_ALL, "");
     return carryOut([&] { return run(argc, argv); });

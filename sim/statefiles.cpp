@@ -177,6 +177,11 @@ std::unique_ptr<QFile> StateFiles::create(const QString &name)
     prepare(place);
     checkRegular(pathOf(name), place);
     auto file = std::make_unique<QFile>(pathOf(name));
+    // No line of a debug log begins so.
+    if (file->open(QIODevice::ReadOnly) && file->peek(1) == "{") {
+        throw place.refusal("it is a saved configuration"_q);
+    }
+    file->close();
     // The old file goes first: emptying it would also empty it under every other name it has.
     file->remove();
     if (!file->open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {

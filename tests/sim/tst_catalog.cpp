@@ -39,6 +39,7 @@ class TestCatalog : public QObject
 private Q_SLOTS:
     void whatIsWrongIsToldWithItsPlace_data();
     void whatIsWrongIsToldWithItsPlace();
+    void manyNamesAreReadInTime();
     void anEmptyCatalogIsACatalog();
     void leftOutFieldsHaveDefaults();
     void everyFieldIsRead();
@@ -231,6 +232,15 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace()
     QFETCH(QByteArray, text);
     QFETCH(QString, problem);
     QCOMPARE(problemOf(text), problem);
+}
+
+void TestCatalog::manyNamesAreReadInTime()
+{
+    QByteArray names = "[\"LOG_0\"";
+    for (int number = 1; number < 80000; ++number) {
+        names += ",\"LOG_" + QByteArray::number(number) + '"';
+    }
+    QCOMPARE(readCatalog(catalogWith("debugLogs", names + ']')).debugLogs.size(), 80000);
 }
 
 void TestCatalog::anEmptyCatalogIsACatalog()

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void argumentsArriveByteForByte();
     void theStateDirectoryIsTemporary();
     void aChosenStateDirectoryStays();
+    void closedStreamsAreNoSockets();
     void withoutDbusDaemonThereIsAnError();
     void aServiceThatVanishesLeavesTheCommandAlone();
     void signalsToTheSimulatorReachTheCommand_data();
@@ -139,6 +140,21 @@ void TestCommand::aChosenStateDirectoryStays()
                    "movra com.varn.tul / FILE SAVE night; cd $MOVRA_SIM_STATE; echo *" }),
              QByteArray("0|night\n|"));
     QVERIFY(QFileInfo::exists(state.filePath(QStringLiteral("night"))));
+}
+
+void TestCommand::closedStreamsAreNoSockets()
+{
+    Program program("sh",
+                    { "-c", "exec \"$0\" \"$@\" <&- >&- 2>&-", MOVRA_SIM_PROGRAM, "--", "sh", "-c",
+                      "movra com.varn.tul / GET :config:data:ftp:port: >\"$0\"",
+                      QFile::encodeName(scratch->filePath(QStringLiteral("answer"))) },
+                    environment);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, 0);
+    QFile answer(scratch->filePath(QStringLiteral("answer")));
+    QVERIFY(answer.open(QIODevice::ReadOnly));
+    QCOMPARE(answer.readAll(), QByteArray("21\n"));
+    QVERIFY(answer.remove());
 }
 
 void TestCommand::withoutDbusDaemonThereIsAnError()

@@ -93,6 +93,9 @@ private Q_SLOTS:
     void onlyRegularFilesAreTouched();
     void anotherNameOfTheFileKeepsTheOldContents();
     void leftoversOfACrashAreNoHindrance();
+    void twoSimulatorsDoNotShareADirectory();
+    void aKilledSimulatorLeavesNothingForLong();
+    void aConfigurationAndTheDebugLogDoNotReplaceEachOther();
     void theStateDirectoryIsMadeWhenFirstNeeded_data();
     void theStateDirectoryIsMadeWhenFirstNeeded();
     void withoutAStateDirectoryFilesAreRefused();
@@ -195,6 +198,10 @@ void TestFiles::namesArePlain_data()
             "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"
             "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\xc3\xa4\" cannot be the name of a file: it is longer "
             "than 200 bytes.");
+    refused(
+        "a name of the simulator's own", text(".movra-sim.new"),
+        "\".movra-sim.new\" cannot be the name of a file: names that begin with .movra-sim. are "
+        "the simulator's own.");
     QTest::newRow("200 bytes") << QString(198, QLatin1Char('a')) + QChar(0xe4) << text("b true");
     QTest::newRow("three dots") << text("...") << text("b true");
     QTest::newRow("blanks and colons") << text(" a: b ") << text("b true");
@@ -332,6 +339,44 @@ void TestFiles::leftoversOfACrashAreNoHindrance()
     QCOMPARE(contentsOf(text("target")), QByteArray("kept"));
     QCOMPARE(load(text("night")), text("b true"));
     QVERIFY(!QFileInfo(pathOf(leftover)).isSymLink());
+}
+
+void TestFiles::twoSimulatorsDoNotShareADirectory()
+{
+    QProcess second;
+    second.start(text(MOVRA_SIM_PROGRAM),
+                 { text("--service"), text("com.varn.second"), text("--state"), state->path() });
+    QVERIFY(second.waitForFinished());
+    QCOMPARE(second.exitCode(), 6);
+    QCOMPARE(QString::fromUtf8(second.readAllStandardError()),
+             text("movra-sim: the state directory cannot be used: another simulator uses \"%1\"\n")
+                 .arg(state->path()));
+}
+
+void TestFiles::aKilledSimulatorLeavesNothingForLong()
+{
+    QVERIFY(writeFile(text(".movra-sim.new"), "half"));
+    simulator->kill();
+    QVERIFY(simulator->waitForFinished());
+    QVERIFY(start());
+    QVERIFY(!QFileInfo::exists(pathOf(text(".movra-sim.new"))));
+}
+
+void TestFiles::aConfigurationAndTheDebugLogDoNotReplaceEachOther()
+{
+    QCOMPARE(save(text("night")), text("b true"));
+    const QByteArray saved = contentsOf(text("night"));
+    QCOMPARE(answerTo(service->DbgLogCmd(text("SAVE_TO"), text("night"))),
+             text("varn.pim.Error.File: Cannot write \"") + pathOf(text("night"))
+                 + text("\": it is a saved configuration."));
+    QCOMPARE(contentsOf(text("night")), saved);
+    QCOMPARE(answerTo(service->DbgLogCmd(text("SAVE_TO"), text("log"))), QString());
+    QCOMPARE(save(text("log")),
+             text("varn.pim.Error.File: Cannot write \"") + pathOf(text("log"))
+                 + text("\": it is the debug log."));
+    QCOMPARE(contentsOf(text("log")), QByteArray());
+    QCOMPARE(answerTo(service->DbgLogCmd(text("SAVE_STOP"), {})), QString());
+    QCOMPARE(save(text("log")), text("b true"));
 }
 
 void TestFiles::theStateDirectoryIsMadeWhenFirstNeeded_data()

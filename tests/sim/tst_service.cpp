@@ -370,6 +370,11 @@ void TestService::largeAndDeepArgumentsAreRefused()
     }
     QCOMPARE(answerTo(service->GetValue(many)),
              text("varn.pim.Error.BadValue: The values of 1000000 items do not fit one answer."));
+    QVERIFY(answerTo(service->GetStatus(many)).startsWith(text("ai [0, 0, ")));
+    QCOMPARE(answerTo(service->DbgLogCmd(text("SET"), QString(20000000, QLatin1Char(',')))),
+             text("varn.pim.Error.BadValue: \"%1...\" is not of the form \"<log>, <instance 0 to "
+                  "255>, ENABLED|DISABLED\".")
+                 .arg(QString(200, QLatin1Char(','))));
     QVERIFY(answerTo(service->GetValue(QString(5000000, QLatin1Char(':'))))
                 .startsWith(text("varn.pim.Error.UnknownId: There is no \":::")));
     QCOMPARE(answerTo(service->DBusServerStatus()), text("i 0"));
