@@ -120,6 +120,8 @@ private Q_SLOTS:
     void aBusThatRefusesCalls();
     void aBusThatDiesAtTheStart_data();
     void aBusThatDiesAtTheStart();
+    void aBusThatDiesWhileTheMonitorSubscribes_data();
+    void aBusThatDiesWhileTheMonitorSubscribes();
     void aBusThatDiesDuringTheWait();
     void aMessageThatIsTooLong_data();
     void aMessageThatIsTooLong();
@@ -227,6 +229,29 @@ void tst_BusFailures::aBusThatDiesAtTheStart()
     const FakeService service("com.varn.tul", bus.address);
     const CutBus dying(bus.address, text, CutBus::Cut::Close);
     noCommandConnects(busEnvironment(dying.address));
+}
+
+void tst_BusFailures::aBusThatDiesWhileTheMonitorSubscribes_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("to the end of the bus") << QByteArray("org.freedesktop.DBus.Local");
+    QTest::newRow("to its first signal") << QByteArray("SigAlarm");
+    QTest::newRow("to its last signal") << QByteArray("SigTestCompleteWithData");
+}
+
+void tst_BusFailures::aBusThatDiesWhileTheMonitorSubscribes()
+{
+    QFETCH(QByteArray, text);
+    const PrivateBus bus;
+    const FakeService service("com.varn.tul", bus.address);
+    const CutBus dying(bus.address, text, CutBus::Cut::Close);
+    // Several, as they notice it at different moments.
+    Runs(std::vector<CommandForm>(20, monitorForm()), busEnvironment(dying.address))
+        .forEach([](const CommandForm & /*form*/, Program &program) {
+            QVERIFY(program.waitForEnd());
+            QCOMPARE(program.out, QByteArray());
+            QCOMPARE(program.status, 1);
+        });
 }
 
 void tst_BusFailures::aBusThatDiesDuringTheWait()
