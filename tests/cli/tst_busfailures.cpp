@@ -48,6 +48,21 @@ void endsWith(Program &program, const QByteArray &out, int status)
     QCOMPARE(program.status, status);
 }
 
+/// Runs a request on a bus that closes the connection when the call arrives.
+void endsWithTheBus(const QByteArrayList &request, const QByteArray &bus)
+{
+    int status = 0;
+    // On a busy machine the half second may be over before the bus closes the connection.
+    for (int attempts = 20; status == 0 && attempts > 0; --attempts) {
+        Program program(MOVRA_PROGRAM, request, busEnvironment(bus));
+        QVERIFY(program.waitForEnd());
+        QCOMPARE(program.out, QByteArray());
+        QCOMPARE(program.err, QByteArray());
+        status = program.status;
+    }
+    QCOMPARE(status, 1);
+}
+
 void failsAsItDoes(const CommandForm &form, Program &program)
 {
     endsWith(program, form.failed, form.failedStatus);
@@ -286,10 +301,7 @@ void tst_BusFailures::aMessageThatIsTooLong()
     QFETCH(QByteArrayList, request);
     const PrivateBus bus("<limit name='max_message_size'>2048</limit>");
     FakeService service("com.varn.tul", bus.address);
-    Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + request,
-                    busEnvironment(bus.address));
-    // The bus closes the connection.
-    endsWith(program, "", 1);
+    endsWithTheBus(QByteArrayList { "com.varn.tul", "/" } + request, bus.address);
     QCOMPARE(service.takeCalls(), QByteArrayList());
 }
 
@@ -385,8 +397,7 @@ void tst_BusFailures::aBusThatDiesOnACallThatNobodyWaitsFor()
     for (const CommandForm &form : firstForms()) {
         if (!form.waits) {
             const CutBus dying(bus.address, form.member, CutBus::Cut::Close);
-            Program program(MOVRA_PROGRAM, requestOf(form), busEnvironment(dying.address));
-            endsWith(program, "", 1);
+            endsWithTheBus(requestOf(form), dying.address);
         }
     }
     QCOMPARE(service.takeCalls(), QByteArrayList());
