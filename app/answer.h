@@ -7,8 +7,8 @@
 #include <QDBusPendingReply>
 #include <QDBusReply>
 
-/// Waits until the call is answered or has failed. A bus that ends before that ends the process,
-/// one that ends later does not: what there is to print about the answer is printed.
+/// Waits until the call is answered or has failed. If the bus ends before that, the process ends.
+/// If it ends later, the process goes on, because the answer must still be printed.
 template <typename T> QDBusReply<T> answerTo(QDBusPendingReply<T> call)
 {
     call.waitForFinished();

@@ -17,7 +17,7 @@ struct ArrayKind {
     QVariant (*fromTexts)(const QStringList &texts);
 };
 
-/// In the order of the search: each unsigned word stands before the signed word that it contains.
+/// In the order of the search: each unsigned word comes before the signed word that it contains.
 extern const std::array<ArrayKind, 7> arrayKinds;
 
 /// The first kind whose word the identifier holds, or null.

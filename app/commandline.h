@@ -25,5 +25,5 @@ enum Status : int {
 /// The word at a position, as it was typed; empty if the vector ends at or before it.
 ///
 /// QCoreApplication takes its own options out of the vector, so a position that was there when the
-/// program started may be missing later, and what stands behind the end is stale.
+/// program started may be missing later, and entries after the end are stale.
 std::string wordAt(char **argv, Position position);

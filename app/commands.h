@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The command table: the only place where a command word meets its handler.
+// The command table: the only place that connects a command word with its handler.
 #pragma once
 
 #include "app/movra.h"
@@ -7,11 +7,11 @@
 #include <array>
 #include <string>
 
-/// What is left to do when a handler has returned Success.
+/// What the process still does when a handler has returned Success.
 enum class Ending {
-    Answered, ///< nothing
-    Sent, ///< the bus must take what was sent, for which nobody waits
-    Listening, ///< print signals until the bus ends
+    Answered, ///< nothing: the handler waited for its answer
+    Sent, ///< sends the call, for whose answer the handler did not wait
+    Listening, ///< prints signals until the bus ends
 };
 
 struct Command {

@@ -40,7 +40,7 @@ void Movra::callDbgLogGetIds()
 {
     const QDBusReply<QStringList> reply = answerTo(iface->DbgLogGetIds());
     if (!reply.isValid()) {
-        // The blanks differ from the other error line, and both are relied upon.
+        // The blanks differ from those of the other error line. Scripts rely on both.
         std::printf("DBG GET_IDS  ERROR  err=%s\n", recordLastError().constData());
         return;
     }

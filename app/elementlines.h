@@ -8,8 +8,8 @@
 #include <type_traits>
 #include <vector>
 
-/// Writes each element on a line of its own and flushes behind it; no elements write nothing.
-/// Numbers are as the stream itself would write them: doubles have six significant digits.
+/// Writes each element on a line of its own and flushes after each; writes nothing if there are
+/// none. Numbers are as the stream itself would write them: doubles have six significant digits.
 template <typename T> void writeElementLines(std::ostream &out, const std::vector<T> &elements)
 {
     std::array<char, 32> line {};

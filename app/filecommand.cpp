@@ -18,7 +18,7 @@ int Movra::fileCommand(char **argv)
     if (!saves && word != "LOAD") {
         return NotSupported;
     }
-    // Whether the service answers true or false is not asked.
+    // The answer's value, true or false, is ignored on purpose.
     const QDBusReply<bool> reply =
         answerTo(saves ? iface->SaveConfig(name) : iface->LoadConfig(name));
     if (!reply.isValid()) {

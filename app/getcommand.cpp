@@ -57,7 +57,7 @@ void Movra::getValueStatus(const QString &id)
 {
     const QDBusReply<IdValueStatusStruct> reply = answerTo(iface->GetValueStatus(id));
     if (reply.isValid()) {
-        // The id in the record is the service's affair: the one that was typed decides.
+        // The typed id says how to print the value. The id in the record is ignored.
         const IdValueStatusStruct record = reply.value();
         std::printf("status=%d\n", record.status);
         printValue(id, record.value);

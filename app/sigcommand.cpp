@@ -34,8 +34,8 @@ void printTestData(const char *elementName, const QString &msg, const std::vecto
 
 int Movra::sigCommand(char ** /*argv*/)
 {
-    // By signature text, and nobody asks whether a connection was made: the third never is, as the
-    // service announces no changed logs. Qt says so on standard error.
+    // The connections are made by signature text, and their results are ignored on purpose. The
+    // third one always fails, because the proxy has no such signal. Qt warns on standard error.
     connect(iface, SIGNAL(SigAlarm(QString)), this, SLOT(sigAlarmSlot(QString)));
     connect(iface, SIGNAL(SigDBusServerClosing(QString)), this,
             SLOT(sigDBusServerClosingSlot(QString)));

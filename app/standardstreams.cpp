@@ -13,8 +13,8 @@
 namespace
 {
 
-/// The stream's write step. Whoever shares the descriptor may have made it non-blocking, at any
-/// time, and relies on that: its flags stay as they are.
+/// The stream's write function. Another process that shares the descriptor may make it non-blocking
+/// at any time and relies on that, so the flags are not changed.
 ssize_t writeAll(void * /*cookie*/, const char *bytes, std::size_t size)
 {
     std::size_t written = 0;

@@ -6,7 +6,7 @@
 
 #include <iostream>
 
-/// Prints the text in Latin-1 on a line of its own and flushes behind it. By its length: a byte of
+/// Prints the text in Latin-1 on a line of its own and flushes. The length counts: a byte of
 /// value 0 is a text of one character.
 inline void printLine(const QString &text)
 {

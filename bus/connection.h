@@ -6,18 +6,18 @@
 #include <QDBusConnection>
 #include <QObject>
 
-/// How a process ends that cannot connect.
+/// How a process that cannot connect ends.
 struct ConnectFailure {
-    int descriptor; ///< where the line is written
-    const char *line; ///< complete with its line end; kept, not copied
+    int descriptor; ///< to which the line is written
+    const char *line; ///< with its line end; kept, not copied
     int status; ///< exit status
 };
 
 /// Opens the session bus for messages of any size; if there is none, the connection is not
 /// connected.
 ///
-/// The process ends as the failure says if the bus does not respond for 25 seconds, or if it ends
-/// before endWithBus() or outliveBus() is called. Qt D-Bus 5.15 would wait without end.
+/// If the bus does not respond for 25 seconds, or ends before endWithBus() or outliveBus() is
+/// called, the process ends as the failure says. Qt D-Bus 5.15 would wait for ever.
 QDBusConnection openSessionBus(const ConnectFailure &failure);
 
 /// From now on the end of the bus ends the process at once with this status, and so does a bus that
@@ -31,14 +31,14 @@ void outliveBus();
 /// Qt D-Bus could not send: it fails before the end of the bus is noticed.
 void endIfBusEnded();
 
-/// While this object exists, signals stay in the bus once the main thread is 8,000 of them behind,
-/// or 2 MiB.
+/// While this object exists, about 8,000 signals or 2 MiB at most are queued for the main thread.
+/// Further signals stay in the bus.
 ///
 /// Qt D-Bus's thread counts the signals that it queues for the main thread. After every 1000th, or
-/// 256 KiB, it takes one of 8 tickets, and the main thread gives the ticket back when it has
-/// handled the signals queued before. As long as there is no ticket the thread does not read: the
-/// main thread must not wait for an answer from the bus meanwhile. Only signals are counted: Qt
-/// D-Bus passes no method call on to another filter.
+/// 256 KiB, it acquires one of 8 tickets. The main thread releases the ticket when it has handled
+/// the signals that were queued before. While there is no ticket, the thread does not read, so the
+/// main thread must not wait for an answer from the bus. Only signals are counted, because Qt D-Bus
+/// does not forward method calls to other filters.
 class FlowControl
 {
 public:
@@ -49,5 +49,5 @@ public:
     FlowControl &operator=(const FlowControl &) = delete;
 
 private:
-    QObject mainThread; ///< receives the events that give tickets back
+    QObject mainThread; ///< receives the events that release tickets
 };

@@ -23,7 +23,7 @@ _movra_words() {
     done
 }
 
-# Sets plain to what a word stands for that has backslashes or is between quotes.
+# Sets plain to the value of a word with backslashes or between quotes.
 _movra_unquote() {
     if [[ $1 == [\"\']* ]]; then
         plain=${1:1}
@@ -53,7 +53,7 @@ _movra() {
         [[ $candidate == "$beginning"* ]] || continue
         candidate=${candidate#"$kept"}
         if [[ $word == [\"\']* ]]; then
-            # Between quotes a word stands for itself, if it can.
+            # Between quotes only words that need no further quoting are offered.
             [[ $candidate != *[\"\'\\\$\`!]* ]] || continue
         elif [[ $candidate ]]; then
             printf -v candidate %q "$candidate"

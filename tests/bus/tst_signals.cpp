@@ -69,8 +69,8 @@ void tst_Signals::initTestCase()
                                               QDBusConnection::sessionBus(), nullptr);
     QVERIFY(proxy->isValid());
 
-    // Qt D-Bus holds signals back until the event loop first runs, and may then let a new one
-    // overtake those that it held. Once one has come through, that is over.
+    // Qt D-Bus queues signals until the event loop first runs, and may then deliver a newer signal
+    // before the queued ones. After the first delivered signal the order is kept.
     const QSignalSpy spy(proxy.get(), SIGNAL(SigInfo(QString)));
     QTRY_VERIFY_WITH_TIMEOUT(isListeningFor("SigInfo", *service), patienceMs);
     service->emitSignal("SigInfo", "('first',)");

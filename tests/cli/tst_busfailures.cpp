@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What each command prints, and how it ends, when there is no bus, when the bus refuses, and when
-// it stops or dies on the way. Every bus here is the test's own.
+// it stops or dies at some moment. Each test starts buses of its own.
 #include "tests/support/commandforms.h"
 #include "tests/support/cutbus.h"
 #include "tests/support/listening.h"
@@ -170,7 +170,7 @@ void tst_BusFailures::withoutABusNothingRuns_data()
     QTest::newRow("no address") << QByteArrayList();
     QTest::newRow("nobody listens")
         << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent" };
-    QTest::newRow("no address at all in the text")
+    QTest::newRow("a text that is no address")
         << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=garbage" };
 }
 
@@ -224,7 +224,7 @@ void tst_BusFailures::aBusThatRefusesCalls()
         service.ignore(form.member);
     }
     Runs(firstForms(), busEnvironment(bus.address)).forEach(failsAsItDoes);
-    // A refused call never arrives; the others may still be on their way to the service.
+    // A refused call never arrives. Other calls may arrive after the programs have ended.
     const int count = callsArrive ? static_cast<int>(firstForms().size()) : 0;
     QCOMPARE(service.waitForCalls(count).size(), count);
 }
@@ -307,7 +307,7 @@ void tst_BusFailures::aMessageThatIsTooLong()
 
 void tst_BusFailures::theMonitorPrintsAllAndEndsWithTheBus()
 {
-    // More than the pipe holds, so that most of them wait in the monitor.
+    // More than the pipe holds, so that most of them are queued in the monitor.
     constexpr int count = 5000;
     const PrivateBus bus;
     FakeService service("com.varn.tul", bus.address);
@@ -365,7 +365,7 @@ void tst_BusFailures::theHalfSecondAfterAnAnswer()
     QFETCH(int, signal);
     HalfSeconds halfSeconds(signal);
     for (const CommandForm &form : firstFormsThatWait()) {
-        // Upon an error everybody who waits prints a line.
+        // Every command that waits prints a line about an error.
         halfSeconds.add(form, form.failed, form.failedStatus);
     }
     halfSeconds.check();

@@ -51,7 +51,7 @@ void tst_Endings::duringTheHalfSecond()
     QFETCH(int, signal);
     FakeService service;
     for (const CommandForm &form : firstForms()) {
-        // Upon an error everybody who waits prints a line.
+        // Every command that waits prints a line about an error.
         service.refuse(form.member, "varn.pim.Error.Refused", "no");
         int status = 0;
         // On a busy machine the half second may be over before the signal is sent.

@@ -16,7 +16,7 @@
 namespace
 {
 
-/// The one warning: release builds have the whole line, debug builds append file and line.
+/// The one warning. Debug builds of Qt append file and line.
 const QByteArray warning =
     "QObject::connect: No such signal KorAppInterface::SigLogNotification(QStringList)";
 
@@ -212,7 +212,7 @@ void tst_Monitor::signalsEndIt()
 {
     QFETCH(int, signal);
     start();
-    // The line is through the pipe while the monitor runs, so nothing is left to lose.
+    // The line is read while the monitor runs, so that no output is left in the pipe.
     service->emitSignal("SigAlarm", "('abc',)");
     QVERIFY(monitor->waitForLines(1));
     monitor->send(signal);

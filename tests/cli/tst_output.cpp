@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Standard output that takes nothing: a write that fails is not reported and changes no status, and
-// a pipe whose reader left ends the program with SIGPIPE. One that does not block takes all.
+// Standard output that cannot be written: a failed write is not reported and changes no status, and
+// a pipe whose reader left ends the program with SIGPIPE. A non-blocking one receives everything.
 #include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
 
@@ -23,9 +23,9 @@ private Q_SLOTS:
     void whatIsPrintedIsLost();
     void theMonitorGoesOn_data();
     void theMonitorGoesOn();
-    void aMonitorWithoutAnyStreamHears();
-    void nonBlockingOutputTakesAll_data();
-    void nonBlockingOutputTakesAll();
+    void aMonitorWithoutAnyStreamListens();
+    void nonBlockingOutputReceivesAll_data();
+    void nonBlockingOutputReceivesAll();
 };
 
 namespace
@@ -130,13 +130,13 @@ void tst_Output::theMonitorGoesOn()
     QCOMPARE(monitor.status, 256 + SIGTERM);
 }
 
-void tst_Output::aMonitorWithoutAnyStreamHears()
+void tst_Output::aMonitorWithoutAnyStreamListens()
 {
     FakeService service;
     Program monitor(
         "sh", QByteArrayList { "-c", "exec \"$0\" com.varn.tul / SIG <&- >&- 2>&-", MOVRA_PROGRAM },
         busEnvironment());
-    // What Qt and the monitor print must not end up on the connection, which the bus would cut.
+    // Printed text must not be written to the connection, or the bus would close it.
     QVERIFY(waitUntilListening(service));
     service.emitSignal("SigInfo", "('x',)");
     Program last(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" }, busEnvironment());
@@ -147,7 +147,7 @@ void tst_Output::aMonitorWithoutAnyStreamHears()
     QCOMPARE(monitor.status, 256 + SIGTERM);
 }
 
-void tst_Output::nonBlockingOutputTakesAll_data()
+void tst_Output::nonBlockingOutputReceivesAll_data()
 {
     QTest::addColumn<QByteArrayList>("words");
     QTest::addColumn<Program::Output>("output");
@@ -160,7 +160,7 @@ void tst_Output::nonBlockingOutputTakesAll_data()
     }
 }
 
-void tst_Output::nonBlockingOutputTakesAll()
+void tst_Output::nonBlockingOutputReceivesAll()
 {
     QFETCH(QByteArrayList, words);
     QFETCH(Program::Output, output);
@@ -176,7 +176,7 @@ void tst_Output::nonBlockingOutputTakesAll()
     service.answer("DbgLogGetIds", ids);
     Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + words, busEnvironment(),
                     output);
-    // Until the stream is full; the flags are its other users' as well, and stay.
+    // Wait until the stream is full. The program must not change flags that others share.
     int unread = -1;
     QTRY_VERIFY_WITH_TIMEOUT(
         program.unread() > 0 && std::exchange(unread, program.unread()) == unread, patienceMs);

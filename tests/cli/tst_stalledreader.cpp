@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A monitor that nobody reads any more: the rest of the signals waits in the bus, and whatever ends
-// a monitor ends this one, too.
+// A monitor whose output nobody reads: the bus keeps the further signals, and signals, a closed
+// pipe and the end of the bus end it like any other monitor.
 #include "tests/endurance/numberedsignals.h"
 #include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
@@ -50,7 +50,7 @@ void tst_StalledReader::init()
         emitNumbered(*service, number);
     }
     service->waitUntilSent();
-    // The pipe is full: it holds 64 KiB, less what a line leaves at the end of each page.
+    // A full pipe holds 64 KiB, less the unused end of each page.
     QTRY_VERIFY_WITH_TIMEOUT(monitor->unread() > 60000, patienceMs);
 }
 
@@ -82,7 +82,7 @@ void tst_StalledReader::theMonitorPrintsWhatItHasWhenTheBusDies()
     QVERIFY(bus->daemon->waitForEnd());
     QVERIFY(monitor->waitForEnd());
     QCOMPARE(monitor->status, 1);
-    // What the bus still had is lost with it.
+    // The signals that the bus had not sent yet are lost.
     const int lines = monitor->out.count('\n');
     QVERIFY2(lines > 0 && lines < many, QByteArray::number(lines).constData());
     QByteArray expected;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How long a command waits when no answer comes, and both programs when the bus says nothing at the
-// start: 25 seconds.
+// A command without an answer, and both programs on a bus that does not respond at the start, give
+// up after 25 seconds.
 #include "tests/support/commandforms.h"
 #include "tests/support/cutbus.h"
 #include "tests/support/movrarun.h"
@@ -21,8 +21,7 @@ struct Run {
     std::unique_ptr<Program> program;
 };
 
-/// Starts each form against a service that takes its call and says nothing, and waits for the
-/// calls.
+/// Starts each form against a service that does not answer, and waits until the calls have arrived.
 void start(std::vector<Run> &runs, const std::vector<CommandForm> &forms, const QByteArray &bus,
            FakeService &service)
 {
@@ -65,7 +64,7 @@ const QByteArray notConnected =
 const QByteArray simNotConnected =
     "movra-sim: there is no session bus: Not connected to D-Bus server\n";
 
-/// A program that starts where the bus says nothing.
+/// A program that starts on a bus that does not respond.
 struct Start {
     const char *name;
     QByteArray out;
@@ -93,7 +92,7 @@ class tst_Waits : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // One test, so that all wait together.
+    // One test, so that all programs wait at the same time.
     void whoWaitsAndForHowLong();
 };
 
@@ -124,13 +123,14 @@ void tst_Waits::whoWaitsAndForHowLong()
     const CutBus authenticating(whole.address, "AUTH", CutBus::Cut::Silence);
     const CutBus naming(whole.address, "Hello", CutBus::Cut::Silence);
     const CutBus lookingUp(whole.address, "GetNameOwner", CutBus::Cut::Silence);
-    startMovra(starts, "a socket that says nothing", { "SERVERSTAT" }, mute.address);
-    startMovra(starts, "authentication without end", { "SERVERSTAT" }, authenticating.address);
+    startMovra(starts, "a socket that does not respond", { "SERVERSTAT" }, mute.address);
+    startMovra(starts, "authentication that never completes", { "SERVERSTAT" },
+               authenticating.address);
     startMovra(starts, "no name given", { "SERVERSTAT" }, naming.address);
-    // The connection is there, and what fails is a call: Qt has no text for it.
-    startMovra(starts, "no owner told", { "SERVERSTAT" }, lookingUp.address,
+    // The connection is open, and a call fails, for which Qt has no text.
+    startMovra(starts, "no answer about the owner", { "SERVERSTAT" }, lookingUp.address,
                "Client DBus Interface not valid, error: \n");
-#ifndef MOVRA_SANITIZED // which needs more memory
+#ifndef MOVRA_SANITIZED // the sanitizers need more memory
     // Too little for the stack of a thread.
     const QByteArrayList withoutThreads { "-c", "ulimit -v 60000; exec \"$@\"", "sh" };
     const QByteArray noThread =

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What is typed, and what shall become of it."""
+"""What is typed, and the expected result."""
 
 SERVICES = [
     ("com.varn.tul",),

@@ -148,8 +148,8 @@ void SimTest::init()
             this, [this](const QString &message, const std::vector<uint32_t> &data) {
                 heard.append(text("SigTestCompleteWithData %1 au %2").arg(message, joined(data)));
             });
-    // Qt D-Bus holds signals back until the event loop first runs, and may then let a new one
-    // overtake those that it held. Once one has come through, that is over.
+    // Qt D-Bus queues signals until the event loop first runs, and may then deliver a newer signal
+    // before the queued ones. After the first delivered signal the order is kept.
     QCOMPARE(takeHeard(), QStringList());
 }
 

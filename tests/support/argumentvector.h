@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Argument vectors, and the handlers that take them, in this process.
+// Argument vectors, and calls of handlers with them in this process.
 #pragma once
 
 #include <QByteArray>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What code in this process prints, as bytes.
+// Captures what code in this process prints.
 #pragma once
 
 #include <QByteArray>

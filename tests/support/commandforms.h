@@ -10,7 +10,7 @@
 
 class FakeService;
 
-/// A request as it is typed after service and path, and what may come of it.
+/// A request as it is typed after service and path, and its possible outcomes.
 struct CommandForm {
     /// The words as a pattern: any word fits `<word>`, any word that begins with "CONFIG" fits
     /// `CONFIG*S`, and every other word must be typed exactly. Further words change nothing.
@@ -19,11 +19,11 @@ struct CommandForm {
     QByteArray call; ///< what reaches the service; empty for a refused request and for SIG
     QByteArray member; ///< of the call
     QByteArray answer; ///< of the service, in GVariant text
-    QByteArray signature; ///< of the answer; one that does not begin with it is a failed call
-    QByteArray out; ///< printed upon that answer; the status is 0
-    QByteArray failed; ///< printed upon a failed call, or for a refused request
+    QByteArray signature; ///< of the answer; a call whose answer does not begin with it has failed
+    QByteArray out; ///< printed after that answer; the status is 0
+    QByteArray failed; ///< printed after a failed call, or for a refused request
     int failedStatus;
-    bool waits; ///< for its reply; the others end the same whatever becomes of the call
+    bool waits; ///< for its reply; the outcome of the other forms does not depend on the reply
 };
 
 /// The forms that call the service, in the order of the command table.
@@ -35,17 +35,17 @@ std::vector<CommandForm> firstForms();
 /// The same of those commands that wait.
 std::vector<CommandForm> firstFormsThatWait();
 
-/// SIG, which calls nothing and prints nothing by itself.
+/// SIG, which sends no call and prints only signals.
 const CommandForm &monitorForm();
 
 /// All command words, in the order of the command table.
 QByteArrayList commandWords();
 
-/// The form that any words after service and path fit; without a call for words that are refused.
+/// The form that fits the words after service and path; it has no call if they are refused.
 CommandForm formOf(const QByteArrayList &words);
 
 /// What is typed for a form, to the service "com.varn.tul" at "/".
 QByteArrayList requestOf(const CommandForm &form);
 
-/// Lets the service answer every form as its row says.
+/// Sets the service's answer to every form.
 void answerAll(FakeService &service);

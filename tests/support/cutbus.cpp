@@ -40,7 +40,7 @@ CutBus::CutBus(const QByteArray &bus, const QByteArray &text, Cut cutBy)
     listening = openSocket(path, &::bind);
     if (!bus.startsWith(begin) || listen(listening, 64) != 0
         || pipe2(over.data(), O_CLOEXEC) != 0) {
-        throw std::runtime_error("no socket to listen on");
+        throw std::runtime_error("a socket or pipe cannot be opened");
     }
     address = begin + path;
     accepting = std::thread([this] { accept(); });
@@ -66,11 +66,11 @@ void CutBus::accept()
             return;
         }
         const int program = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
-        connections.emplace_back([this, program] { passOn(program); });
+        connections.emplace_back([this, program] { forward(program); });
     }
 }
 
-void CutBus::passOn(int program) const
+void CutBus::forward(int program) const
 {
     const int bus = openSocket(realSocket, &::connect);
     QByteArray sent;

@@ -9,15 +9,15 @@
 #include <list>
 #include <thread>
 
-/// Passes on what programs and a real bus send each other, until a program sends a certain text.
+/// Forwards all bytes between programs and a real bus until a program sends a certain text.
 class CutBus
 {
 public:
-    /// What happens then: the connection is closed, or nothing is passed on any more.
+    /// What happens then: the connection is closed, or no more bytes are forwarded.
     enum class Cut { Close, Silence };
 
-    /// `bus` is the address of the real bus; an empty text is sent by everybody. Throws
-    /// std::runtime_error if there is no socket to be had.
+    /// `bus` is the address of the real bus; every program sends the empty text. Throws
+    /// std::runtime_error if no socket can be opened.
     CutBus(const QByteArray &bus, const QByteArray &text, Cut cut);
     ~CutBus();
     CutBus(const CutBus &) = delete;
@@ -27,14 +27,14 @@ public:
 
 private:
     void accept();
-    void passOn(int program) const;
+    void forward(int program) const;
 
     QTemporaryDir directory; ///< holds the socket
     QByteArray realSocket;
     QByteArray lastText;
     Cut cut;
     int listening = -1;
-    std::array<int, 2> over { -1, -1 }; ///< a pipe that is closed when the object goes
+    std::array<int, 2> over { -1, -1 }; ///< a pipe that the destructor closes
     std::thread accepting;
     std::list<std::thread> connections;
 };

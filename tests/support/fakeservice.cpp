@@ -152,7 +152,7 @@ struct FakeService::Private {
         return reply;
     }
 
-    /// A handle in a body is an index into the files that travel along: one file is enough for all.
+    /// A handle in a body is an index into the attached files: one file is enough for all.
     static void attachFiles(GDBusMessage *message)
     {
         if (std::strchr(g_dbus_message_get_signature(message), 'h') == nullptr
@@ -229,8 +229,8 @@ FakeService::FakeService(const QByteArray &name, const QByteArray &bus, Ownershi
 
 FakeService::~FakeService()
 {
-    // The bus notices a closed connection in its own time, so a successor could find the name
-    // taken. A bus that is gone, or that does not answer, has no successor.
+    // The bus may notice a closed connection later than it handles the next service, which would
+    // find the name taken. Errors do not matter: no service follows on a bus that has failed.
     const Value reply(g_dbus_connection_call_sync(
         d->connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
         "ReleaseName", g_variant_new("(s)", d->name.constData()), nullptr, G_DBUS_CALL_FLAGS_NONE,
@@ -342,7 +342,7 @@ bool FakeService::waitUntilTaken(const QByteArray &service) const
     waitUntilSent();
     const std::vector<Private::Rule> rules = d->rulesFor(service);
     return std::all_of(rules.cbegin(), rules.cend(), [this](const Private::Rule &rule) {
-        // A connection answers this by itself, in its turn, however busy the program behind it is.
+        // The bus library of the receiver answers this in order, even if its main thread is busy.
         const Value reply(g_dbus_connection_call_sync(
             d->connection, rule.holder.constData(), "/", "org.freedesktop.DBus.Peer", "Ping",
             nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, patienceMs, nullptr, nullptr));

@@ -17,8 +17,8 @@ bool waitUntilHeard(Program &monitor, FakeService &service)
     if (!waitUntilListening(service)) {
         return false;
     }
-    // Qt D-Bus holds signals back until the event loop first runs, and may then let a new one
-    // overtake those that it held. Once one has come through, that is over.
+    // Qt D-Bus queues signals until the event loop first runs, and may then deliver a newer signal
+    // before the queued ones. After the first printed signal the order is kept.
     service.emitSignal("SigInfo", "('first',)");
     const bool heard =
         monitor.waitForLines(1) && monitor.out == "===Client sigInfoSlot  msg=first\n";

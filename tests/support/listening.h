@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// When a monitor receives what a service emits.
+// Waits until monitors receive signals.
 #pragma once
 
 #include "tests/support/fakeservice.h"
@@ -10,6 +10,6 @@
 bool waitUntilListening(const FakeService &service, int monitors = 1,
                         const QByteArray &name = "com.varn.tul");
 
-/// Waits until a monitor of "com.varn.tul" listens, and prints in order what the service emits; it
-/// has printed nothing then. False if it does not come to that.
+/// Waits until a monitor of "com.varn.tul" prints signals in the order of their emission. Its
+/// output so far is discarded. False if `patience` is over.
 bool waitUntilHeard(Program &monitor, FakeService &service);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Rows for the built program: what is typed, what the service answers, what must come out. Rows run
-// side by side, each against a fake service with a name of its own, because each lasts half a
-// second.
+// Rows for the built program: what is typed, what the service answers, what must be printed. Rows
+// run side by side, each with a fake service of its own name, because each takes half a second.
 #pragma once
 
 #include "tests/support/fakeservice.h"
@@ -15,11 +14,10 @@
 #include <memory>
 #include <vector>
 
-/// What a program under test inherits of the test's own environment: the locale, and what the
-/// sanitizers read.
+/// The variables that a program under test inherits: the locale and the options of the sanitizers.
 QByteArrayList baseEnvironment();
 
-/// The same, and the private bus or the one at the address.
+/// The same with the address of a bus, which is the test's own by default.
 QByteArrayList busEnvironment(const QByteArray &bus = qgetenv("DBUS_SESSION_BUS_ADDRESS"));
 
 /// What the service of a row is told before the program starts.
@@ -27,7 +25,7 @@ using Prepare = std::function<void(FakeService &)>;
 
 /// The service answers a member with a body in GVariant text.
 Prepare answers(const char *member, const QByteArray &body);
-/// The service answers a member with an error, whose text is never to be seen.
+/// The service answers a member with an error, whose text must never be printed.
 Prepare refuses(const char *member);
 
 /// The program's own error line with a status.
@@ -36,7 +34,7 @@ QByteArray error(int status);
 /// One run of the program.
 struct MovraRow {
     QByteArray name; ///< a sentence
-    QByteArrayList arguments; ///< what is typed; "@" stands for the name of the row's own service
+    QByteArrayList arguments; ///< what is typed; "@" is replaced by the name of the row's service
     Prepare prepare; ///< what the service answers; may be empty
     QByteArray out; ///< the whole of standard output
     QByteArrayList calls; ///< what reaches the service, in order
@@ -44,10 +42,10 @@ struct MovraRow {
     QByteArray err = {}; ///< the whole of standard error
 };
 
-/// A request to the row's own service at "/", and all that may come of it.
+/// A request to the row's own service at "/", which prints `out` and makes one call.
 MovraRow asks(const QByteArray &name, const QByteArrayList &typed, const Prepare &prepare,
               const QByteArray &out, const QByteArray &call);
-/// The same with a service that accepts it, and nothing is printed.
+/// The same with a service that accepts the call; nothing is printed.
 MovraRow sends(const QByteArray &name, const QByteArrayList &typed, const QByteArray &call);
 
 /// Starts the next rows together with the one that is asked for, so that their half seconds

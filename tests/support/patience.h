@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-/// How long a test waits for one event. It is long because only a failing test waits that long, and
-/// machines are busy.
+/// How long a test waits for one event. Only a failing test waits that long, so that the limit can
+/// allow for a busy machine.
 constexpr std::chrono::seconds patience { 60 };
 
 /// The same for QTRY_..._WITH_TIMEOUT and QTest::qWaitFor().

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A bus that a test may stop and kill, or that follows rules of the test's own.
+// A bus that a test can stop, kill and configure.
 #pragma once
 
 #include "tests/support/program.h"
@@ -14,7 +14,8 @@ class PrivateBus
 {
 public:
     /// Starts a session bus as in scripts/private-bus.conf, with further elements of a bus
-    /// configuration in the end, where they win; throws std::runtime_error if it does not start.
+    /// configuration at the end, where they take precedence; throws std::runtime_error if it does
+    /// not start.
     explicit PrivateBus(const QByteArray &furtherRules = {});
 
     QByteArray address; ///< for DBUS_SESSION_BUS_ADDRESS

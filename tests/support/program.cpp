@@ -88,7 +88,7 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
         leaveOutput();
     }
     posix_spawn_file_actions_adddup2(&actions, errEnds[1], STDERR_FILENO);
-    // The test's own libraries ignore SIGPIPE, and a shell's background jobs ignore SIGINT.
+    // GLib in this process ignores SIGPIPE, and background jobs of a shell inherit SIGINT ignored.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t all;

@@ -17,8 +17,8 @@
 class Program
 {
 public:
-    /// What standard output is: a pipe that the test reads; one that nobody reads; a non-blocking
-    /// pipe or socket that the test reads; a device that is full; nothing at all.
+    /// What standard output is: a pipe that the test reads; one without a reader; a non-blocking
+    /// pipe or socket that the test reads; a full device; a closed descriptor.
     enum class Output { Read, LeftPipe, NonBlockingPipe, NonBlockingSocket, Full, Closed };
 
     /// Starts the program, found on the PATH unless it is named with a slash. `arguments` begins
@@ -39,9 +39,9 @@ public:
     pid_t processId() const { return pid; }
     /// Sends the program a signal.
     void send(int signal);
-    /// How many bytes of standard output wait to be read.
+    /// The number of bytes in the pipe of standard output.
     int unread() const;
-    /// Leaves standard output unread from now on, as a reader that went away.
+    /// Closes the reading end of standard output.
     void leaveOutput();
     /// Reads until the program has ended; false, and the program is killed, if it takes longer.
     bool waitForEnd(std::chrono::seconds limit = patience);
@@ -57,8 +57,7 @@ public:
 private:
     /// Waits for output, or for the end of both streams; false at the deadline.
     bool readSome(std::chrono::steady_clock::time_point deadline);
-    /// Reads until there is enough; false if standard output ends or `patience` is
-    /// over.
+    /// Reads until there is enough; false if standard output ends or `patience` is over.
     bool readUntil(const std::function<bool()> &enough);
 
     pid_t pid = -1;

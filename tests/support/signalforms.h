@@ -7,10 +7,10 @@
 struct SignalForm {
     const char *member;
     const char *signature; ///< of the body on the wire
-    const char *signal; ///< of the proxy, as its meta-object has it
-    const char *slot; ///< of the client, that prints it
-    const char *body; ///< in GVariant text; %1 stands for a text
-    const char *line; ///< that the monitor prints about the body; it begins the same for all bodies
+    const char *signal; ///< of the proxy, as in its meta-object
+    const char *slot; ///< of the client; prints the line
+    const char *body; ///< in GVariant text; %1 is replaced by a text
+    const char *line; ///< that the monitor prints for the body
 };
 
 /// In the order in which SIG connects them.
