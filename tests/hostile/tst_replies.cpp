@@ -85,7 +85,8 @@ void tst_Replies::attack(Answers answers)
 void tst_Replies::cleanupTestCase()
 {
     // Files that came with replies are closed when the replies go, on another thread, too.
-    QTRY_COMPARE_WITH_TIMEOUT(countOpenFiles(), openFiles, patienceMs);
+    // The first count may hold a file that only connecting had open.
+    QTRY_VERIFY_WITH_TIMEOUT(countOpenFiles() <= openFiles, patienceMs);
 }
 
 QTEST_GUILESS_MAIN(tst_Replies)
