@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // A copy of a running service as a catalogue.
+#include "bus/connection.h"
 #include "bus/types.h"
 #include "sim/catalog.h"
+#include "sim/host.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QDBusReply>
+#include <QScopeGuard>
 #include <QSet>
 
 #include <cstdio>
@@ -28,13 +31,10 @@ class Capture
 {
 public:
     Capture(const QString &service, QString objectPath)
-        : bus(QDBusConnection::sessionBus())
+        : bus(openBus())
         , path(std::move(objectPath))
     {
         registerBusTypes();
-        if (!bus.isConnected()) {
-            throw Refusal { "Bus"_q, "there is no session bus: "_q + bus.lastError().message() };
-        }
         // Calls go to the owner of the name, so that another one cannot continue its answers.
         const QDBusReply<QString> reply = bus.interface()->serviceOwner(service);
         if (!reply.isValid()) {
@@ -75,6 +75,7 @@ private:
         const QDBusMessage reply = bus.call(call);
         const QString what = arguments.isEmpty() ? call.member() : arguments.first().toString();
         if (reply.type() == QDBusMessage::ErrorMessage) {
+            endIfBusEnded();
             switch (QDBusError(reply).type()) {
             case QDBusError::NoReply:
             case QDBusError::Timeout:
@@ -219,5 +220,6 @@ private:
 
 QByteArray captureCatalog(const QString &service, const QString &path)
 {
+    const auto outlive = qScopeGuard(&outliveBus);
     return Capture(service, path).text();
 }

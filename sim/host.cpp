@@ -76,6 +76,18 @@ void ownName(const QDBusConnection &bus, const QString &name)
 
 } // namespace
 
+QDBusConnection openBus()
+{
+    constexpr int noBus = 3;
+    QDBusConnection bus = openSessionBus(
+        { STDERR_FILENO, "movra-sim: there is no session bus: Not connected to D-Bus server\n",
+          noBus });
+    if (!bus.isConnected()) {
+        throw Refusal { "Bus"_q, "there is no session bus: "_q + bus.lastError().message() };
+    }
+    return bus;
+}
+
 void Host::serve(const Options &options, const std::function<void()> &announceReady)
 {
     const Catalog catalog = loadCatalog(options.catalogFile);
@@ -92,13 +104,7 @@ void Host::serve(const Options &options, const std::function<void()> &announceRe
 
     Record record(options.logFile);
 
-    constexpr int noBus = 3;
-    QDBusConnection bus = openSessionBus(
-        { STDERR_FILENO, "movra-sim: there is no session bus: Not connected to D-Bus server\n",
-          noBus });
-    if (!bus.isConnected()) {
-        throw Refusal { "Bus"_q, "there is no session bus: "_q + bus.lastError().message() };
-    }
+    QDBusConnection bus = openBus();
     bus.connect({}, "/org/freedesktop/DBus/Local"_q, "org.freedesktop.DBus.Local"_q,
                 "Disconnected"_q, this, SLOT(busLost()));
     Announcer announcer(bus, options.path, record);

@@ -5,9 +5,14 @@
 
 #include "sim/options.h"
 
+#include <QDBusConnection>
 #include <QObject>
 
 #include <functional>
+
+/// Opens the session bus, or throws; ends the process with the same line if the bus does not
+/// respond, or if it ends before outliveBus() is called.
+QDBusConnection openBus();
 
 /// Runs one simulator.
 class Host : public QObject

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void aBusThatDiesAtTheStart_data();
     void aBusThatDiesAtTheStart();
     void aBusThatDiesLater();
+    void aBusThatDiesDuringACapture();
     void manyCallsThatWait();
     void aCallAbove63MiB();
 };
@@ -54,6 +55,22 @@ void tst_BusFailures::aBusThatDiesLater()
     QVERIFY(simulator.waitForEnd());
     QCOMPARE(simulator.err, QByteArray("movra-sim: the session bus went away\n"));
     QCOMPARE(simulator.status, 3);
+}
+
+void tst_BusFailures::aBusThatDiesDuringACapture()
+{
+    const PrivateBus bus;
+    FakeService service("com.varn.tul", bus.address);
+    service.ignore("ListConfigIds");
+    Program capture(MOVRA_SIM_PROGRAM, { "--capture", "com.varn.tul" },
+                    busEnvironment(bus.address));
+    QCOMPARE(service.waitForCalls(1), QByteArrayList { "ListConfigIds" });
+    bus.daemon->send(SIGKILL);
+    QVERIFY(capture.waitForEnd());
+    QCOMPARE(capture.out, QByteArray());
+    QCOMPARE(capture.err,
+             QByteArray("movra-sim: there is no session bus: Not connected to D-Bus server\n"));
+    QCOMPARE(capture.status, 3);
 }
 
 void tst_BusFailures::manyCallsThatWait()
