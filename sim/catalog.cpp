@@ -385,7 +385,7 @@ Catalog loadCatalog(const QString &fileName)
     if (fileName.isEmpty()) {
         return readCatalog(builtIn("catalog.json"_q));
     }
-    const QString intro = "the catalogue %1 is no good: "_q.arg(quoted(fileName));
+    const QString intro = "the catalogue %1 is not valid: "_q.arg(quoted(fileName));
     QFile file(fileName);
     const QByteArray bytes =
         file.open(QIODevice::ReadOnly) ? file.read(StateFiles::mostBytes + 1) : QByteArray();

@@ -40,8 +40,8 @@ Fault readFault(const QString &text)
 {
     const auto wrong = [&text](const QString &reason) {
         return Refusal { "Usage"_q,
-                         "The fault %1 is no good: %2. See movra-sim --help."_q.arg(quoted(text),
-                                                                                    reason) };
+                         "The fault %1 is not valid: %2. See movra-sim --help."_q.arg(quoted(text),
+                                                                                      reason) };
     };
     static const QRegularExpression form(
         "\\A([^(=]*)(?:\\((.*?)\\))?=(.*?)(?:@([1-9][0-9]{0,8}))?\\z"_q,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Fault injection: what the calls of a member meet with instead of a prompt answer.
+// Fault injection: what the calls of a member get instead of a prompt answer.
 #pragma once
 
 #include "sim/errors.h"
@@ -24,7 +24,7 @@ struct Fault {
 /// Reads a fault such as `GetValue(:id:)=delay:500@3`.
 Fault readFault(const QString &text);
 
-/// What the call meets with; null: nothing. Counts the call. Of several faults for the call, one
+/// The fault for the call; null: none. Counts the call. Of several faults for the call, one
 /// for a member comes before one for every member, then one for an identifier before one without,
 /// then one for a single call; then the last one given counts.
 const Fault *faultOf(QVector<Fault> &faults, const QString &member, const QStringList &ids);

@@ -92,7 +92,7 @@ Options:
                   object a line
   --fault MEMBER[(ID)]=FAULT[@N]
                   what calls of this member of the interface (*: of every member)
-                  meet with instead of a prompt answer, only those whose first
+                  get instead of a prompt answer: only those whose first
                   argument names the identifier, only the N-th; may be repeated:
                     delay:MS       carried out and answered so much later
                     refuse[:TEXT]  refused with varn.pim.Error.Refused

@@ -24,8 +24,8 @@ class TestFaults : public SimTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void movraMeets_data();
-    void movraMeets();
+    void movraPrints_data();
+    void movraPrints();
     void aRefusedCallIsNotCarriedOut();
     void theWrongTypeIsADouble();
     void aDelayedCallHoldsUpNoOther();
@@ -52,7 +52,7 @@ private:
     }
 };
 
-void TestFaults::movraMeets_data()
+void TestFaults::movraPrints_data()
 {
     QTest::addColumn<QString>("fault");
     QTest::addColumn<QStringList>("request");
@@ -73,7 +73,7 @@ void TestFaults::movraMeets_data()
     row("*=refuse", { text("SET"), port, text("22") }, "", 0);
 }
 
-void TestFaults::movraMeets()
+void TestFaults::movraPrints()
 {
     QFETCH(QString, fault);
     QFETCH(QStringList, request);

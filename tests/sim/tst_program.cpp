@@ -43,7 +43,7 @@ constexpr const char *help =
     "                  object a line\n"
     "  --fault MEMBER[(ID)]=FAULT[@N]\n"
     "                  what calls of this member of the interface (*: of every member)\n"
-    "                  meet with instead of a prompt answer, only those whose first\n"
+    "                  get instead of a prompt answer: only those whose first\n"
     "                  argument names the identifier, only the N-th; may be repeated:\n"
     "                    delay:MS       carried out and answered so much later\n"
     "                    refuse[:TEXT]  refused with varn.pim.Error.Refused\n"
@@ -216,64 +216,68 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
     row("a stray argument", { text("com.varn.tul"), text("/") },
         "1||movra-sim: \"com.varn.tul\" is one argument too many. See movra-sim --help.\n");
     row("a fault without its member", { text("--fault"), text("silence") },
-        "1||movra-sim: The fault \"silence\" is no good: it is not of the form "
+        "1||movra-sim: The fault \"silence\" is not valid: it is not of the form "
         "MEMBER[(ID)]=FAULT[@N]. See movra-sim --help.\n");
     row("a fault of a member that is not there", { text("--fault"), text("getvalue=silence") },
-        "1||movra-sim: The fault \"getvalue=silence\" is no good: the interface has no member "
+        "1||movra-sim: The fault \"getvalue=silence\" is not valid: the interface has no member "
         "\"getvalue\". See movra-sim --help.\n");
     row("a fault of a signal", { text("--fault"), text("SigInfo=silence") },
-        "1||movra-sim: The fault \"SigInfo=silence\" is no good: the interface has no member "
+        "1||movra-sim: The fault \"SigInfo=silence\" is not valid: the interface has no member "
         "\"SigInfo\". See movra-sim --help.\n");
     row("an unknown fault", { text("--fault"), text("*=explode") },
-        "1||movra-sim: The fault \"*=explode\" is no good: \"explode\" is not delay:MS, refuse, "
+        "1||movra-sim: The fault \"*=explode\" is not valid: \"explode\" is not delay:MS, refuse, "
         "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
         "--help.\n");
     row("a fault with a value too many", { text("--fault"), text("*=vanish:5") },
-        "1||movra-sim: The fault \"*=vanish:5\" is no good: \"vanish:5\" is not delay:MS, refuse, "
+        "1||movra-sim: The fault \"*=vanish:5\" is not valid: \"vanish:5\" is not delay:MS, "
+        "refuse, "
         "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
         "--help.\n");
     row("an error without a name", { text("--fault"), text("*=error:") },
-        "1||movra-sim: The fault \"*=error:\" is no good: \"\" is not the name of a bus error. See "
+        "1||movra-sim: The fault \"*=error:\" is not valid: \"\" is not the name of a bus error. "
+        "See "
         "movra-sim --help.\n");
     row("an error whose name has no dot", { text("--fault"), text("*=error:Locked:text") },
-        "1||movra-sim: The fault \"*=error:Locked:text\" is no good: \"Locked\" is not the name of "
+        "1||movra-sim: The fault \"*=error:Locked:text\" is not valid: \"Locked\" is not the name "
+        "of "
         "a bus error. See movra-sim --help.\n");
     row("a delay without its time", { text("--fault"), text("GetValue=delay") },
-        "1||movra-sim: The fault \"GetValue=delay\" is no good: \"delay\" is not delay:MS, refuse, "
+        "1||movra-sim: The fault \"GetValue=delay\" is not valid: \"delay\" is not delay:MS, "
+        "refuse, "
         "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
         "--help.\n");
     row("a delay that is no number", { text("--fault"), text("GetValue=delay:5s") },
-        "1||movra-sim: The fault \"GetValue=delay:5s\" is no good: \"5s\" is not in 0 to 3600000 "
+        "1||movra-sim: The fault \"GetValue=delay:5s\" is not valid: \"5s\" is not in 0 to 3600000 "
         "milliseconds. See movra-sim --help.\n");
     row("a negative delay", { text("--fault"), text("GetValue=delay:-1") },
-        "1||movra-sim: The fault \"GetValue=delay:-1\" is no good: \"-1\" is not in 0 to 3600000 "
+        "1||movra-sim: The fault \"GetValue=delay:-1\" is not valid: \"-1\" is not in 0 to 3600000 "
         "milliseconds. See movra-sim --help.\n");
     row("a delay beyond an hour", { text("--fault=*=delay:0"), text("--fault=*=delay:3600001") },
-        "1||movra-sim: The fault \"*=delay:3600001\" is no good: \"3600001\" is not in 0 to "
+        "1||movra-sim: The fault \"*=delay:3600001\" is not valid: \"3600001\" is not in 0 to "
         "3600000 milliseconds. See movra-sim --help.\n");
     row("a catalogue without a name", { text("--catalog"), QString() },
         "1||movra-sim: The name of the catalogue is empty. See movra-sim --help.\n");
     row("a log without a name", { text("--log"), QString() },
         "1||movra-sim: The name of the log is empty. See movra-sim --help.\n");
     row("a catalogue that is not there", { text("--catalog"), text("none.json") },
-        "2||movra-sim: the catalogue \"none.json\" is no good: No such file or directory\n");
+        "2||movra-sim: the catalogue \"none.json\" is not valid: No such file or directory\n");
     row("a catalogue that is a directory", { text("--catalog"), text(".") },
-        "2||movra-sim: the catalogue \".\" is no good: file to open is a directory\n");
+        "2||movra-sim: the catalogue \".\" is not valid: file to open is a directory\n");
     row("a catalogue with a syntax error", { text("--catalog"), text("syntax.json") },
-        "2||movra-sim: the catalogue \"syntax.json\" is no good: line 2, column 1: syntax "
+        "2||movra-sim: the catalogue \"syntax.json\" is not valid: line 2, column 1: syntax "
         "error while parsing object key - unexpected '}'; expected string literal\n");
     row("a catalogue with a wrong value", { text("--catalog"), text("value.json") },
-        "2||movra-sim: the catalogue \"value.json\" is no good: configs[0].value: 300000000000 "
+        "2||movra-sim: the catalogue \"value.json\" is not valid: configs[0].value: 300000000000 "
         "does "
         "not fit int32\n");
     row("a catalogue without end", { text("--catalog"), text("/dev/zero") },
-        "2||movra-sim: the catalogue \"/dev/zero\" is no good: is larger than 16 MiB\n");
+        "2||movra-sim: the catalogue \"/dev/zero\" is not valid: is larger than 16 MiB\n");
     row("a checked catalogue without a name", { text("--check"), QString() },
         "1||movra-sim: The name of the catalogue is empty. See movra-sim --help.\n");
     row("a checked catalogue that is not there", { text("--check"), text("none.json") },
-        "2||movra-sim: the catalogue \"none.json\" is no good: No such file or directory\n");
+        "2||movra-sim: the catalogue \"none.json\" is not valid: No such file or directory\n");
     row("a checked catalogue with a wrong value", { text("--check"), text("value.json") },
-        "2||movra-sim: the catalogue \"value.json\" is no good: configs[0].value: 300000000000 "
+        "2||movra-sim: the catalogue \"value.json\" is not valid: configs[0].value: 300000000000 "
         "does not fit int32\n");
     row("a checked catalogue that is good", { text("--check"), text("good.json") }, "0||");
     row("a name without a dot", { text("--service"), text("varn") },
