@@ -131,8 +131,10 @@ void tst_Waits::whoWaitsAndForHowLong()
     startMovra(starts, "no answer about the owner", { "SERVERSTAT" }, lookingUp.address,
                "Client DBus Interface not valid, error: \n");
 #ifndef MOVRA_SANITIZED // the sanitizers need more memory
-    // Too little for the stack of a thread.
-    const QByteArrayList withoutThreads { "-c", "ulimit -v 60000; exec \"$@\"", "sh" };
+    // The stack of a thread is larger than all the memory that the program may have, however much
+    // it uses.
+    const QByteArrayList withoutThreads { "-c", "ulimit -s 900000; ulimit -v 500000; exec \"$@\"",
+                                          "sh" };
     const QByteArray noThread =
         "QThread::start: Thread creation error (Resource temporarily unavailable)\n";
     starts.push_back(
