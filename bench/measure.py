@@ -13,6 +13,7 @@ from report import Results, write_report
 
 PROGRAMS = "build/release/bench"
 MOVRA = "build/release/app/movra"
+PORTABLE = "build/portable/movra"
 QDBUS = shutil.which("qdbus", path=f"/usr/lib/qt5/bin:{os.environ['PATH']}") or "qdbus"
 ARRAY_ID = ":bench:doubleARRAY:"
 SET_VALUES = [f"{i}.5" for i in range(512)]
@@ -46,19 +47,22 @@ def calls(path, member, arguments, literal=False):
 
 
 def get_string():
-    return {"movra": [MOVRA, SERVICE, "/", "GET", ":bench:string:"],
+    request = [SERVICE, "/", "GET", ":bench:string:"]
+    return {"movra": [MOVRA, *request], "single file": [PORTABLE, *request],
             **calls("/", "GetValue", [("s", [":bench:string:"])]),
             "bare Qt program": [f"{PROGRAMS}/bench_minimal"]}
 
 
 def get_array(size):
-    return {"movra": [MOVRA, SERVICE, f"/n{size}", "GET", ARRAY_ID],
+    request = [SERVICE, f"/n{size}", "GET", ARRAY_ID]
+    return {"movra": [MOVRA, *request], "single file": [PORTABLE, *request],
             **calls(f"/n{size}", "GetValue", [("s", [ARRAY_ID])], literal=True),
             "bare loop": [f"{PROGRAMS}/bench_lines", str(size)]}
 
 
 def set_array():
-    return {"movra": [MOVRA, SERVICE, "/", "SETARRAY", ARRAY_ID, "512", *SET_VALUES],
+    request = [SERVICE, "/", "SETARRAY", ARRAY_ID, "512", *SET_VALUES]
+    return {"movra": [MOVRA, *request], "single file": [PORTABLE, *request],
             **calls("/", "SetValue", [("s", [ARRAY_ID]), ("v", ["ad", "512", *SET_VALUES])])}
 
 

@@ -115,6 +115,18 @@ def goals(results):
             continue
         row(f"answer no later than that of {tool}", f"{number(ours / theirs)} times",
             ours <= theirs)
+    single = results.median("string", 1, "single file", "answer")
+    peers_answers = [results.median("string", 1, tool, "answer") for tool in ("gdbus", "busctl")]
+    if single and all(peers_answers):
+        ratio = single / min(peers_answers)
+        row("single file: answer within 0.6 times the faster of gdbus and busctl",
+            f"{number(ratio)} times", ratio <= 0.6)
+    for measure, goal in (("answer", "answer no later than that of dbus-send"),
+                          ("instructions", "fewer instructions than dbus-send")):
+        theirs = results.median("string", 1, "dbus-send", measure)
+        if single and theirs:
+            ratio = results.median("string", 1, "single file", measure) / theirs
+            row(f"single file: {goal}", f"{number(ratio)} times", ratio <= 1)
     size = results.growth("array")[-1]
     ratio = (results.median("array", size, "movra", "answer")
              / results.median("array", size, "bare loop", "answer"))
