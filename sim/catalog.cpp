@@ -125,7 +125,7 @@ public:
     }
     QString name(const char *key)
     {
-        const QString found = text(key);
+        QString found = text(key);
         if (found.isEmpty()) {
             throw refusal(key, "is empty"_q);
         }
@@ -220,7 +220,7 @@ private:
 
     QString readId(Fields &fields)
     {
-        const QString id = fields.name("id");
+        QString id = fields.name("id");
         if (indexes.contains(id)) {
             throw fields.refusal("id", "%1 is there already"_q.arg(quoted(id)));
         }

@@ -137,8 +137,7 @@ QByteArray StateFiles::read(const QString &name) const
     }
     checkRegular(pathOf(name), place);
     QFile file(pathOf(name));
-    const QByteArray bytes =
-        file.open(QIODevice::ReadOnly) ? file.read(mostBytes + 1) : QByteArray();
+    QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.read(mostBytes + 1) : QByteArray();
     if (file.error() != QFileDevice::NoError) {
         throw place.refusal(file.errorString());
     }

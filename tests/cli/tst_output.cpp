@@ -168,8 +168,8 @@ void tst_Output::nonBlockingOutputReceivesAll()
     const QByteArray text(1000000, 'x');
     const int count = 10003;
     const QByteArray id(40, 'i');
-    const QByteArray ids =
-        "(['" + id + '\'' + QByteArray(", '" + id + '\'').repeated(count - 1) + "],)";
+    const QByteArray furtherId = ", '" + id + '\'';
+    const QByteArray ids = "(['" + id + '\'' + furtherId.repeated(count - 1) + "],)";
     FakeService service;
     service.answer("GetValue", "(<'" + text + "'>,)");
     service.answer("ListConfigIds", ids);
@@ -185,8 +185,8 @@ void tst_Output::nonBlockingOutputReceivesAll()
     const QByteArray flags = descriptor.readAll().split('\n').at(1).mid(6).trimmed();
     QVERIFY((flags.toInt(nullptr, 8) & O_NONBLOCK) != 0);
     QVERIFY(program.waitForEnd());
-    const QByteArray expected =
-        words.first() == "GET" ? text + '\n' : QByteArray(id + '\n').repeated(count);
+    const QByteArray line = id + '\n';
+    const QByteArray expected = words.first() == "GET" ? text + '\n' : line.repeated(count);
     QVERIFY2(program.out == expected, QByteArray::number(program.out.size()).constData());
     QCOMPARE(program.err, QByteArray());
     QCOMPARE(program.status, 0);

@@ -82,8 +82,10 @@ void tst_BusFailures::manyCallsThatWait()
     KorAppInterface service(QStringLiteral("com.varn.many"), QStringLiteral("/"),
                             QDBusConnection::sessionBus(), nullptr);
     const QString text(100 * 1024, QLatin1Char('x'));
+    constexpr std::size_t calls = 700;
     std::vector<QDBusPendingReply<>> delayed;
-    for (int i = 0; i < 700; ++i) {
+    delayed.reserve(calls);
+    while (delayed.size() < calls) {
         delayed.push_back(service.DbgLogCmd(QStringLiteral("SET"), text));
     }
     for (QDBusPendingReply<> &reply : delayed) {
