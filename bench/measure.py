@@ -46,23 +46,28 @@ def calls(path, member, arguments, literal=False):
     }
 
 
+def single_file(request):
+    """Nothing where scripts/portable has not built it."""
+    return {"single file": [PORTABLE, *request]} if os.path.exists(PORTABLE) else {}
+
+
 def get_string():
     request = [SERVICE, "/", "GET", ":bench:string:"]
-    return {"movra": [MOVRA, *request], "single file": [PORTABLE, *request],
+    return {"movra": [MOVRA, *request], **single_file(request),
             **calls("/", "GetValue", [("s", [":bench:string:"])]),
             "bare Qt program": [f"{PROGRAMS}/bench_minimal"]}
 
 
 def get_array(size):
     request = [SERVICE, f"/n{size}", "GET", ARRAY_ID]
-    return {"movra": [MOVRA, *request], "single file": [PORTABLE, *request],
+    return {"movra": [MOVRA, *request], **single_file(request),
             **calls(f"/n{size}", "GetValue", [("s", [ARRAY_ID])], literal=True),
             "bare loop": [f"{PROGRAMS}/bench_lines", str(size)]}
 
 
 def set_array():
     request = [SERVICE, "/", "SETARRAY", ARRAY_ID, "512", *SET_VALUES]
-    return {"movra": [MOVRA, *request], "single file": [PORTABLE, *request],
+    return {"movra": [MOVRA, *request], **single_file(request),
             **calls("/", "SetValue", [("s", [ARRAY_ID]), ("v", ["ad", "512", *SET_VALUES])])}
 
 

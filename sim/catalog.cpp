@@ -61,6 +61,10 @@ Json parseJson(const QByteArray &text, const Place &place)
         }
         return true;
     };
+    // What the library says of this depends on its version.
+    if (text.isEmpty()) {
+        throw syntaxFault(text, 1, "is empty"_q, place);
+    }
     // The parser takes U+0000 for the end.
     if (const int nul = text.indexOf('\0'); nul >= 0) {
         throw syntaxFault(text, nul + 1, "U+0000 is no character of JSON"_q, place);

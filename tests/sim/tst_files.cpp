@@ -224,10 +224,7 @@ void TestFiles::aDamagedFileChangesNothing_data()
     const auto row = [](const char *name, const QByteArray &contents, const char *problem) {
         QTest::newRow(name) << contents << text(problem);
     };
-    row("empty", "",
-        "line 1, column 1: syntax error while parsing value - unexpected end of input; expected "
-        "'[', "
-        "'{', or a literal");
+    row("empty", "", "line 1, column 1: is empty");
     row("cut off", "{\n \"configs\": {\":config:data:ftp:port:\": 22",
         "line 2, column 42: syntax error while parsing object - unexpected end of input; expected "
         "'}'");
