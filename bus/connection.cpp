@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bus/connection.h"
 
+#include <QCoreApplication>
 #include <QMetaObject>
 #include <QSemaphore>
 
@@ -173,6 +174,9 @@ QDBusConnection openSessionBus(const ConnectFailure &failure)
     connectFailure = failure;
     const ConnectLimit limit;
     QDBusConnection bus = QDBusConnection::sessionBus();
+    // Qt D-Bus holds messages back until the main thread has handled an event that sessionBus() has
+    // posted, and then a new message may overtake them. Before the first request none is held.
+    QCoreApplication::sendPostedEvents();
     if (connection == nullptr && bus.internalPointer() != nullptr) {
         connection = static_cast<DBusConnection *>(bus.internalPointer());
         // Above its limit libdbus stops reading, and Qt D-Bus 5.15 cannot make it read again.

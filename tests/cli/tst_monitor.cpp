@@ -5,6 +5,7 @@
 #include "tests/support/patience.h"
 #include "tests/support/signalforms.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -29,6 +30,8 @@ class tst_Monitor : public QObject
 private Q_SLOTS:
     void init();
     void signalLines();
+    void theFirstSignalsKeepTheirOrder_data();
+    void theFirstSignalsKeepTheirOrder();
     void otherTypesAreIgnored();
     void signalsOfOthersAreNotPrinted();
     void logNotificationsAreNeverPrinted();
@@ -120,6 +123,47 @@ void tst_Monitor::signalLines()
         expected += line.out;
     }
     QCOMPARE(linesUpToNow(), expected);
+}
+
+void tst_Monitor::theFirstSignalsKeepTheirOrder_data()
+{
+    QTest::addColumn<int>("number");
+    for (int number = 1; number <= 10; ++number) {
+        QTest::addRow("start %d", number) << number;
+    }
+}
+
+void tst_Monitor::theFirstSignalsKeepTheirOrder()
+{
+    // So many at once delay each other, and more signals arrive while they start.
+    constexpr int count = 16;
+    std::vector<std::unique_ptr<Program>> monitors;
+    for (int each = 0; each < count; ++each) {
+        monitors.push_back(std::make_unique<Program>(
+            MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/", "SIG" }, busEnvironment()));
+    }
+    int last = 0;
+    const auto emitSome = [&] {
+        for (int more = 0; more < 10; ++more) {
+            service->emitSignal("SigInfo", "('" + QByteArray::number(++last) + "',)");
+        }
+    };
+    const QDeadlineTimer limit(patience);
+    while (service->matchRules("com.varn.tul").size() < 7 * count && !limit.hasExpired()) {
+        emitSome();
+    }
+    emitSome();
+    for (const auto &each : monitors) {
+        const auto line = [](int number) {
+            return "===Client sigInfoSlot  msg=" + QByteArray::number(number) + '\n';
+        };
+        QVERIFY(each->waitForLastLine(line(last)));
+        QByteArray expected;
+        for (int number = last - each->out.count('\n') + 1; number <= last; ++number) {
+            expected += line(number);
+        }
+        QCOMPARE(each->out, expected);
+    }
 }
 
 void tst_Monitor::otherTypesAreIgnored()

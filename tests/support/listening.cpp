@@ -17,8 +17,6 @@ bool waitUntilHeard(Program &monitor, FakeService &service)
     if (!waitUntilListening(service)) {
         return false;
     }
-    // Qt D-Bus queues signals until the event loop first runs, and may then deliver a newer signal
-    // before the queued ones. After the first printed signal the order is kept.
     service.emitSignal("SigInfo", "('first',)");
     const bool heard =
         monitor.waitForLines(1) && monitor.out == "===Client sigInfoSlot  msg=first\n";

@@ -10,6 +10,6 @@
 bool waitUntilListening(const FakeService &service, int monitors = 1,
                         const QByteArray &name = "com.varn.tul");
 
-/// Waits until a monitor of "com.varn.tul" prints signals in the order of their emission. Its
-/// output so far is discarded. False if `patience` is over.
+/// Waits until a monitor of "com.varn.tul" has started: it has printed a signal, which is
+/// discarded. False if `patience` is over.
 bool waitUntilHeard(Program &monitor, FakeService &service);
