@@ -31,6 +31,8 @@ bool Movra::connectToService(const std::string &service, const std::string &path
           NotRun });
     iface = new KorAppInterface(QString::fromLatin1(service.c_str()),
                                 QString::fromLatin1(path.c_str()), bus, nullptr);
+    // The proxy's question may fail before the end of the bus is noticed.
+    endIfBusEnded();
     // The caller says what the end of the bus means from here on.
     outliveBus();
     if (iface->isValid()) {
