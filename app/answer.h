@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The wait for an answer.
+// The wait for a reply.
 #pragma once
 
 #include "bus/connection.h"
@@ -7,8 +7,8 @@
 #include <QDBusPendingReply>
 #include <QDBusReply>
 
-/// Waits until the call is answered or has failed. If the bus ends before that, the process ends.
-/// If it ends later, the process goes on, because the answer must still be printed.
+/// Waits until the reply has come or the call has failed. If the bus ends before that, the process
+/// exits. If it ends later, the process continues, because it still has to print the answer.
 template <typename T> QDBusReply<T> answerTo(QDBusPendingReply<T> call)
 {
     call.waitForFinished();

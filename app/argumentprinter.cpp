@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Prints an array that arrived packed, one element a line.
+// Prints an array that arrived packed, one element on each line.
 #include "app/arraykind.h"
 #include "app/elementlines.h"
 #include "app/movra.h"
@@ -20,8 +20,8 @@ template <typename T> void printElements(const QDBusArgument &value)
     writeElementLines(std::cout, elements);
 }
 
-/// The type to read elements as: what is on the wire, but for integers of the kind's width, which
-/// have the kind's signedness. An identifier without a kind word promises doubles.
+/// The type to read elements as: the type on the wire. Integers of the kind's width have the kind's
+/// signedness. An id without a kind word means doubles.
 char elementToRead(const QString &id, char onWire)
 {
     const ArrayKind *const kind = findArrayKind(id);
@@ -34,8 +34,8 @@ char elementToRead(const QString &id, char onWire)
 
 void printArray(const QString &id, const QDBusArgument &value)
 {
-    // A service may send anything. Read as another type than it has, an element can be a number
-    // from nowhere or the end of the process, so only arrays of numbers are read at all.
+    // A service may send anything. Reading an element as another type prints memory or ends the
+    // process, so only arrays of numbers are read.
     const char elementOnWire = value.currentSignature().at(1).toLatin1();
     switch (elementToRead(id, elementOnWire)) {
     case 'b':
@@ -63,7 +63,7 @@ void printArray(const QString &id, const QDBusArgument &value)
 
 void Movra::printArgumentValue(const QString &id, const QDBusArgument &value)
 {
-    // The blanks differ from line to line, and all are relied upon.
+    // The blanks differ from line to line. Scripts rely on them.
     switch (value.currentType()) {
     case QDBusArgument::ArrayType:
         printArray(id, value);

@@ -8,7 +8,7 @@
 namespace
 {
 
-// Decimal throughout; the result of a failed conversion is 0, and nobody asks whether it failed.
+// Always decimal. A failed conversion gives 0 and is not reported.
 void convert(const QString &text, double &number)
 {
     number = text.toDouble();
@@ -49,7 +49,7 @@ QVariant stringsFromTexts(const QStringList &texts)
 
 } // namespace
 
-// There is no single precision on the bus, so the elements of a "floatARRAY" are doubles.
+// D-Bus has no single precision, so the elements of a "floatARRAY" are doubles.
 const std::array<ArrayKind, 7> arrayKinds { {
     { "doubleARRAY", 'd', &numbersFromTexts<double> },
     { "floatARRAY", 'd', &numbersFromTexts<double> },

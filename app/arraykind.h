@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Array kinds: how an item's identifier says what kind of array the item holds.
+// Array kinds: a kind word in an item's id selects the element type of its array.
 #pragma once
 
 #include <QStringList>
@@ -7,7 +7,7 @@
 
 #include <array>
 
-/// One kind. SETARRAY builds what the kind says; the printer reads integers of the kind's width
+/// One kind. SETARRAY builds an array of this kind. The printer reads integers of the kind's width
 /// with the kind's signedness.
 struct ArrayKind {
     const char *word; ///< searched anywhere in the identifier, case-sensitively
@@ -20,5 +20,5 @@ struct ArrayKind {
 /// In the order of the search: each unsigned word comes before the signed word that it contains.
 extern const std::array<ArrayKind, 7> arrayKinds;
 
-/// The first kind whose word the identifier holds, or null.
+/// The first kind whose word the id contains, or null.
 const ArrayKind *findArrayKind(const QString &id);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What every command shares about the argument vector: its positions and the exit statuses.
+// The positions in the argument vector and the exit statuses of all commands.
 #pragma once
 
 #include <string>
@@ -22,8 +22,8 @@ enum Status : int {
     ArgumentMissing = 3, ///< mostly: a required argument is missing
 };
 
-/// The word at a position, as it was typed; empty if the vector ends at or before it.
+/// The unchanged word at a position; empty if the vector ends at or before it.
 ///
-/// QCoreApplication takes its own options out of the vector, so a position that was there when the
-/// program started may be missing later, and entries after the end are stale.
+/// QCoreApplication removes its own options from the vector, so a position that existed at the
+/// start of the program may be missing later, and entries after the end are stale.
 std::string wordAt(char **argv, Position position);

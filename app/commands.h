@@ -7,7 +7,7 @@
 #include <array>
 #include <string>
 
-/// What the process still does when a handler has returned Success.
+/// What the process does after a handler has returned Success.
 enum class Ending {
     Answered, ///< nothing: the handler waited for its answer
     Sent, ///< sends the call, for whose answer the handler did not wait
@@ -20,7 +20,7 @@ struct Command {
     Ending ending;
 };
 
-/// Searched from the top; a word that is not here is an unknown word.
+/// Searched from the top. A word that is not in the table is unknown.
 constexpr std::array<Command, 11> commandTable { {
     { "DBG", &Movra::dbgCommand, Ending::Answered },
     { "SIG", &Movra::sigCommand, Ending::Listening },

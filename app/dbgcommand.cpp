@@ -14,14 +14,14 @@ int Movra::dbgCommand(char **argv)
     }
     const std::string word = argv[FirstArgument];
     if (word == "SAVE_STOP") {
-        // A value, if one was typed, is dropped.
+        // A value on the command line is ignored.
         generateDbgLogCmd(word, {});
     } else if (word == "GET_IDS") {
         callDbgLogGetIds();
     } else if (argv[SecondArgument] == nullptr) {
         return NotSupported;
     } else {
-        // Whatever the word is: the service decides what it accepts.
+        // Any word: the service decides what it accepts.
         generateDbgLogCmd(word, argv[SecondArgument]);
     }
     return Success;

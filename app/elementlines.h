@@ -8,14 +8,14 @@
 #include <type_traits>
 #include <vector>
 
-/// Writes each element on a line of its own and flushes after each; writes nothing if there are
-/// none. Numbers are as the stream itself would write them: doubles have six significant digits.
+/// Writes each element on its own line and flushes after each. Writes nothing for an empty array.
+/// Numbers look as the stream itself would write them: doubles have six significant digits.
 template <typename T> void writeElementLines(std::ostream &out, const std::vector<T> &elements)
 {
     std::array<char, 32> line {};
     char *const last = line.data() + line.size() - 1;
     for (const auto element : elements) {
-        // Not through the stream's own formatting, which costs more than everything else here.
+        // The stream's own formatting would take more time than everything else here.
         char *end = nullptr;
         if constexpr (std::is_floating_point_v<T>) {
             end = std::to_chars(line.data(), last, element, std::chars_format::general, 6).ptr;

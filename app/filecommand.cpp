@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// FILE: asks the service to save its configuration to a file on its side, or to load it.
+// FILE: asks the service to save all configurations to a file of its own, or to load them.
 #include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
@@ -18,7 +18,7 @@ int Movra::fileCommand(char **argv)
     if (!saves && word != "LOAD") {
         return NotSupported;
     }
-    // The answer's value, true or false, is ignored on purpose.
+    // The reply's value, true or false, is ignored on purpose.
     const QDBusReply<bool> reply =
         answerTo(saves ? iface->SaveConfig(name) : iface->LoadConfig(name));
     if (!reply.isValid()) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// GET: reads an item's value, its status, or both, and prints what came back.
+// GET: reads an item's value, its status, or both, and prints them.
 #include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
@@ -14,13 +14,13 @@ int Movra::getCommand(char **argv)
         return ArgumentMissing;
     }
     const QString first = QString::fromLatin1(argv[FirstArgument]);
-    // A word alone is always the id, even if it reads like a sub-word.
+    // A single word is always the id, even if it looks like a sub-word.
     if (argv[SecondArgument] == nullptr) {
         getValue(first);
         return Success;
     }
     const QString id = QString::fromLatin1(argv[SecondArgument]);
-    // Prefixes, in this order; "ALL" is in the usage text, but not served.
+    // Prefixes, in this order. "ALL" is in the usage text, but rejected.
     if (first.startsWith(QLatin1String("STATUS"))) {
         getStatus(id);
     } else if (first.startsWith(QLatin1String("VALUE"))) {
@@ -57,7 +57,8 @@ void Movra::getValueStatus(const QString &id)
 {
     const QDBusReply<IdValueStatusStruct> reply = answerTo(iface->GetValueStatus(id));
     if (reply.isValid()) {
-        // The typed id says how to print the value. The id in the record is ignored.
+        // The id of the command line decides how to print the value. The id in the reply is
+        // ignored.
         const IdValueStatusStruct record = reply.value();
         std::printf("status=%d\n", record.status);
         printValue(id, record.value);

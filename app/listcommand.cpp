@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// LIST: prints one of the service's catalogues, an entry a line.
+// LIST: prints the ids of one kind, each on a line.
 #include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
@@ -9,8 +9,8 @@
 namespace
 {
 
-/// Prints what a catalogue call answers. A failed call is neither printed nor recorded: it shows in
-/// the status alone, which no other command does.
+/// Prints the ids of the reply. A failed call is neither printed nor recorded. Only the exit status
+/// shows it, unlike in all other commands.
 int printCatalogue(const QDBusReply<QStringList> &reply)
 {
     if (!reply.isValid()) {
@@ -23,7 +23,7 @@ int printCatalogue(const QDBusReply<QStringList> &reply)
     return Success;
 }
 
-/// The log ids come as one string, printed as it is.
+/// The log ids are one string, which is printed unchanged.
 int printLogIds(const QDBusReply<QString> &reply)
 {
     if (!reply.isValid()) {
@@ -40,7 +40,7 @@ int Movra::listCommand(char **argv)
     if (argv[FirstArgument] == nullptr) {
         return ArgumentMissing;
     }
-    // Prefixes, in this order: "CONFIGS" is served as well as "CONFIG".
+    // Prefixes, in this order: "CONFIGS" and "CONFIG" are both accepted.
     const QString word = QString::fromLatin1(argv[FirstArgument]);
     if (word.startsWith(QLatin1String("CONFIG"))) {
         return printCatalogue(answerTo(iface->ListConfigIds()));
@@ -54,6 +54,6 @@ int Movra::listCommand(char **argv)
     if (word.startsWith(QLatin1String("LOG"))) {
         return printLogIds(answerTo(iface->LogGetIds()));
     }
-    // Not the status that other commands have for an unknown word.
+    // Other commands have another status for an unknown word.
     return ArgumentMissing;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One run: check the arguments, connect, run one command, stay in the event loop as the command
-// table says, and end with the command's status.
+// One run: check the arguments, connect, run one command, run the event loop as the command table
+// says, and exit with the command's status.
 #include "app/commandline.h"
 #include "app/commands.h"
 #include "app/movra.h"
@@ -29,28 +29,28 @@ int main(int argc, char **argv)
     if (!client.connectToService(wordAt(argv, ServicePosition), wordAt(argv, PathPosition))) {
         return NotRun;
     }
-    // A call that the bus did not answer, or perhaps did not take, has failed.
+    // From here on the end of the bus means a failed call.
     endWithBus(NotRun);
 
     const std::string word = wordAt(argv, CommandPosition);
     const Command *const command = findCommand(word);
     const Ending ending = command != nullptr ? command->ending : Ending::Answered;
     if (ending == Ending::Listening) {
-        // Qt D-Bus 5.15 asks for the owner of the service and waits for the answer even if the
+        // Qt D-Bus 5.15 asks for the owner of the service and waits for the reply even if the
         // connection has just been closed. libdbus would then abort the process.
         qputenv("DBUS_FATAL_WARNINGS", "0");
-        // Qt D-Bus delivers this signal after all that the bus sent before it ended.
+        // Qt D-Bus delivers this signal after everything that the bus sent before it ended.
         QDBusConnection::sessionBus().connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
                                               QStringLiteral("org.freedesktop.DBus.Local"),
                                               QStringLiteral("Disconnected"), &application,
                                               SLOT(quit()));
-        // The bus may have ended before the receiver was there.
+        // The bus may have ended before this connection was made.
         endIfBusEnded();
         outliveBus();
     }
     const int status = command != nullptr ? (client.*command->handler)(argv) : NotRun;
     if (status != Success) {
-        // Nothing was sent, or the answer has come.
+        // Nothing was sent, or the reply has come.
         outliveBus();
         std::cout << "Error While Parsing Command -- use -h for help   err:" << status << std::endl;
     }
@@ -60,11 +60,11 @@ int main(int argc, char **argv)
         QCoreApplication::exec();
         return NotRun;
     }
-    // Calls that nobody waits for go out meanwhile.
+    // Calls without a wait are sent in this time.
     constexpr int lingerMs = 500;
     QTimer::singleShot(lingerMs, &client, SLOT(quit()));
     QCoreApplication::exec();
-    // Qt D-Bus closes the connection at the end, which is no end of the bus.
+    // Qt D-Bus closes the connection at exit. The bus has not ended then.
     outliveBus();
     return status;
 }

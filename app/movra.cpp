@@ -17,7 +17,7 @@ Movra::Movra(QObject *parent)
 {
 }
 
-// The proxy stays on purpose: the process ends right after the client object.
+// The proxy is not deleted on purpose: the process exits right after the client object.
 Movra::~Movra() = default;
 
 bool Movra::connectToService(const std::string &service, const std::string &path)
@@ -33,13 +33,13 @@ bool Movra::connectToService(const std::string &service, const std::string &path
                                 QString::fromLatin1(path.c_str()), bus, nullptr);
     // The proxy's question may fail before the end of the bus is noticed.
     endIfBusEnded();
-    // The caller says what the end of the bus means from here on.
+    // From here on the caller decides what the end of the bus means.
     outliveBus();
     if (iface->isValid()) {
         return true;
     }
     std::printf("Client DBus Interface not valid, error: %s\n", recordLastError().constData());
-    // Without effect where the event loop has not started, as in main, which ends the run itself.
+    // This has no effect before the event loop starts, as in main, which exits itself.
     QCoreApplication::quit();
     return false;
 }

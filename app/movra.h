@@ -18,19 +18,19 @@ class QDBusArgument;
 
 /// The program's one client object. It is connected once, then runs one command.
 ///
-/// Slots are connected to by their signature text, and moc numbers them in the order written: keep
-/// the text and the order.
+/// Connections use the signature text of slots, and moc numbers slots in the order of declaration:
+/// keep the text and the order.
 class Movra : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Touches no bus; `iface` is null until connectToService() has run.
+    /// Does not use the bus. `iface` is null until connectToService() has run.
     explicit Movra(QObject *parent);
     ~Movra() override;
 
-    /// Registers the bus types, opens the session bus and builds the proxy. False if the proxy is
-    /// not valid: the reason is then printed and kept in `lastErrorText`, and `iface` stays set.
+    /// Registers the bus types, opens the session bus and builds the proxy. Returns false if the
+    /// proxy is not valid, prints the reason and stores it in `lastErrorText`; `iface` is set.
     bool connectToService(const std::string &service, const std::string &path);
 
     // Command handlers: each takes the whole argument vector and returns the exit status.
@@ -46,8 +46,8 @@ public:
     int serverStatCommand(char **argv);
     int serverCmdCommand(char **argv);
 
-    /// Prints the elements of an array that arrived packed, one a line; for anything else that is
-    /// packed, one error line. `id`, as it was typed, says which kind of array to expect.
+    /// Prints the elements of an array that arrived packed, each on a line, or one error line for
+    /// any other packed value. The kind word in `id` selects the kind of array.
     void printArgumentValue(const QString &id, const QDBusArgument &value);
 
 public Q_SLOTS:
@@ -58,7 +58,7 @@ public Q_SLOTS:
     /// Ends the event loop.
     void quit();
 
-    // SIG: print what a signal of the service carries. No signal leads to the one for changed logs.
+    // SIG: print a signal of the service. No signal calls the slot for changed logs.
     void sigAlarmSlot(QString msg);
     void sigDBusServerClosingSlot(QString msg);
     void sigLogChangedNotificationSlot(QStringList changedLogMsgList);
@@ -69,7 +69,7 @@ public Q_SLOTS:
     void sigTestCompleteWithDataSlot(QString msg, std::vector<double> data);
     void sigTestCompleteWithDataSlot(QString msg, std::vector<uint32_t> data);
 
-    // NOTIFY: send one call each, and wait for nothing.
+    // NOTIFY: each sends one call and does not wait.
     void notifyConfigStart();
     void notifyConfigStop();
     void notifyConfigClear();
@@ -82,24 +82,23 @@ public Q_SLOTS:
     void notifyLogStop(QString id);
     void notifyLogClear(QString id);
 
-protected: // not private, so that tests can see and call what no command shows
-    /// The service proxy. It has no parent and is never deleted: it lives until the process ends.
+protected: // not private, so that tests can call what no command calls
+    /// The service proxy. It has no parent and is never deleted on purpose.
     KorAppInterface *iface = nullptr;
     QString lastErrorText; ///< text of the last bus error that was recorded
 
-    /// NOTIFY: runs the action word on a log; no command leads here.
+    /// NOTIFY: runs the action word on a log. No command calls this.
     int notifyLog(char **argv);
 
 private:
-    /// Records the message of the proxy's last error and returns its Latin-1 form. A reply's own
-    /// error is left alone on purpose, so the text is empty or stale where the proxy itself has no
-    /// error.
+    /// Records the message of the proxy's last error and returns its Latin-1 form. The error of a
+    /// reply is ignored on purpose, so the text is empty or stale if the proxy itself has no error.
     QByteArray recordLastError();
-    /// Records the last error and prints it in the line that FILE, ACTION, SERVERSTAT and SERVERCMD
-    /// share.
+    /// Records the last error and prints it in the common line of FILE, ACTION, SERVERSTAT and
+    /// SERVERCMD.
     void reportFailedReply();
 
-    // GET: one call each, waited for; `id` is what was typed.
+    // GET: each makes one call and waits. `id` is the word of the command line.
     void getValue(const QString &id);
     void getStatus(const QString &id);
     void getValueStatus(const QString &id);
@@ -107,10 +106,10 @@ private:
     /// Records the last error and prints it in GET's own line.
     void reportFailedGet();
 
-    /// NOTIFY: runs the action word with the slots of the group that was typed.
+    /// NOTIFY: runs the action word with the slots of the group.
     int notifyItems(char **argv, void (Movra::*start)(), void (Movra::*stop)(),
                     void (Movra::*clear)());
 
-    /// SET and SETARRAY: sends the value for the id as it was typed, and waits for nothing.
+    /// SET and SETARRAY: sends the value for the id and does not wait.
     void sendValue(const char *id, const QVariant &value);
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// NOTIFY: switches the service's change notifications and edits the list of ids that it reports.
-// Each slot sends one call and drops the pending reply: whether the service accepted is never
-// learned.
+// NOTIFY: starts and stops the signals for changes and edits the notify list. Each slot sends one
+// call and drops the pending reply, so a refusal is not noticed.
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "bus/proxies.h"
@@ -11,7 +10,7 @@
 namespace
 {
 
-/// Whether exactly this word was typed; null is no word.
+/// Whether this is exactly the word; null is no word.
 bool is(const char *typed, const char *word)
 {
     return typed != nullptr && std::strcmp(typed, word) == 0;
@@ -25,7 +24,7 @@ int Movra::notifyCommand(char **argv)
     if (group == nullptr) {
         return ArgumentMissing;
     }
-    // Without an action a known group ends as an unknown one does.
+    // A known group without an action has the status of an unknown group.
     const bool hasAction = argv[SecondArgument] != nullptr;
     if (is(group, "CONFIG")) {
         return hasAction ? notifyItems(argv, &Movra::notifyConfigStart, &Movra::notifyConfigStop,
@@ -37,8 +36,8 @@ int Movra::notifyCommand(char **argv)
             return notifyItems(argv, &Movra::notifyResultStart, &Movra::notifyResultStop,
                                &Movra::notifyResultClear);
         }
-        // Never true, as the group is RESULT here. Kept so on purpose: LOG is refused, although the
-        // usage text has it.
+        // Never true, because the group is RESULT here. This is on purpose: LOG is rejected,
+        // although the usage text shows it.
         if (is(group, "LOG")) {
             return notifyLog(argv);
         }
@@ -57,12 +56,12 @@ int Movra::notifyItems(char **argv, void (Movra::*start)(), void (Movra::*stop)(
     } else if (is(action, "CLEAR")) {
         (this->*clear)();
     } else if (is(action, "ADD") && argv[ThirdArgument] != nullptr) {
-        // The service has one list: configs and results are added and deleted alike.
+        // The service has one notify list for configurations and results.
         notifyAdd(QString::fromLatin1(argv[ThirdArgument]));
     } else if (is(action, "DEL") && argv[ThirdArgument] != nullptr) {
         notifyDelete(QString::fromLatin1(argv[ThirdArgument]));
     } else {
-        // A missing id and an unknown action end alike.
+        // A missing id and an unknown action have the same status.
         return ArgumentMissing;
     }
     return Success;
@@ -131,7 +130,7 @@ void Movra::notifyResultClear()
     }
 }
 
-// The one id travels as a list; the service's single-string overloads are not used.
+// The single id is sent as a list. The service's single-string overloads are not used.
 void Movra::notifyAdd(QString id)
 {
     const QStringList ids { id };
@@ -148,7 +147,7 @@ void Movra::notifyDelete(QString id)
     }
 }
 
-// No command reaches the three log slots: they can be called through the meta-object only.
+// No command calls the three log slots. Only the meta-object can.
 void Movra::notifyLogStart(QString id)
 {
     if (iface != nullptr) {

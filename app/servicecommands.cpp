@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// ACTION, SERVERSTAT and SERVERCMD: one call each, waited for; a failed call still ends with
-// success.
+// ACTION, SERVERSTAT and SERVERCMD: each makes one call and waits for the reply. The exit status of
+// a failed call is also 0.
 #include "app/answer.h"
 #include "app/commandline.h"
 #include "app/movra.h"
@@ -57,7 +57,7 @@ int Movra::serverStatCommand(char ** /*argv*/)
 
 int Movra::serverCmdCommand(char **argv)
 {
-    // Both positions are tested before the word is looked at.
+    // Both positions are checked before the word.
     if (argv[FirstArgument] == nullptr || argv[SecondArgument] == nullptr) {
         return ArgumentMissing;
     }

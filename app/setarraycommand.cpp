@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// SETARRAY: writes a whole array into one item, typed by the array kind in the item's identifier.
+// SETARRAY: writes a whole array to one item. The kind word in the id decides the element type.
 #include "app/arraykind.h"
 #include "app/commandline.h"
 #include "app/movra.h"
@@ -13,12 +13,12 @@ namespace
 
 constexpr uint maxLength = 512; // elements
 
-/// The texts at `length` positions from `entry` on; null entries are passed over.
+/// The texts at `length` positions from `entry` on; null entries are skipped.
 ///
-/// The announced length is trusted: with fewer values, reading goes on behind the vector's end in
-/// the environment, which follows it in memory. The environment's own end is the end, as what lies
-/// behind is no text. QCoreApplication may have taken words out, which leaves one more null
-/// entry right before the environment.
+/// The length is trusted: with fewer values, reading continues after the vector's end in the
+/// environment, which follows it in memory. It stops at the end of the environment, because no text
+/// follows. QCoreApplication may have removed words, which leaves one more null entry directly
+/// before the environment.
 QStringList textsAt(char **entry, uint length)
 {
     QStringList texts;
@@ -43,13 +43,13 @@ int Movra::setArrayCommand(char **argv)
         || argv[ThirdArgument] == nullptr) {
         return ArgumentMissing;
     }
-    // Text that is no number gives 0. The length is tested before the kind is looked at.
+    // Text that is no number gives 0. The length is checked before the kind.
     const uint length = QString::fromLatin1(argv[SecondArgument]).toUInt();
     if (length == 0 || length > maxLength) {
         std::cout << "Unsupported  array size " << length << std::endl;
         return NotSupported;
     }
-    // An identifier without a kind word is an error, not an array of strings.
+    // An id without a kind word is an error, not an array of strings.
     const ArrayKind *const kind = findArrayKind(QString::fromLatin1(argv[FirstArgument]));
     if (kind == nullptr) {
         return NotSupported;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// SET: writes one item, always as text; the service turns it into the item's type.
+// SET: writes one item, always as text. The service converts it to the item's type.
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "bus/proxies.h"
@@ -15,7 +15,7 @@ int Movra::setCommand(char **argv)
 
 void Movra::sendValue(const char *id, const QVariant &value)
 {
-    // The id is read as UTF-8, unlike everything else that is typed.
-    // The reply is dropped: whether the service accepted the value is never learned.
+    // The id is read as UTF-8, unlike all other words.
+    // The reply is dropped, so a refusal is not noticed.
     (void)iface->SetValue(QList<IdValueStruct> { { QString::fromUtf8(id), value } });
 }

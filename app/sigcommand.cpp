@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// SIG: the monitor. Each slot prints what one signal of the service carried.
+// SIG: the monitor. Each slot prints one signal of the service.
 #include "app/commandline.h"
 #include "app/movra.h"
 #include "bus/proxies.h"
@@ -10,10 +10,10 @@
 namespace
 {
 
-/// One line: the text of a signal after the beginning that its slot has.
+/// One line: the prefix of the slot and the text of the signal.
 void printMessage(const char *beginning, const QString &msg)
 {
-    // A quarter fewer instructions than a format takes.
+    // This takes a quarter fewer instructions than a format.
     (void)std::fputs(beginning, stdout);
     (void)std::puts(msg.toLatin1().constData());
 }
@@ -56,7 +56,7 @@ int Movra::sigCommand(char ** /*argv*/)
 
 void Movra::sigAlarmSlot(QString msg)
 {
-    // "alarmSlot", although the slot is named otherwise.
+    // "alarmSlot", although the slot has another name.
     printMessage("===Client alarmSlot  msg=", msg);
 }
 

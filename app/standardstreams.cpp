@@ -14,7 +14,7 @@ namespace
 {
 
 /// The stream's write function. Another process that shares the descriptor may make it non-blocking
-/// at any time and relies on that, so the flags are not changed.
+/// at any time and rely on that, so the flags are not changed.
 ssize_t writeAll(void * /*cookie*/, const char *bytes, std::size_t size)
 {
     std::size_t written = 0;
@@ -36,7 +36,7 @@ ssize_t writeAll(void * /*cookie*/, const char *bytes, std::size_t size)
 
 void replaceClosedStreams()
 {
-    // The lowest number that is free comes first.
+    // open() returns the lowest free descriptor.
     int descriptor = 0;
     while (descriptor >= STDIN_FILENO && descriptor <= STDERR_FILENO) {
         descriptor = open("/dev/null", O_RDWR);

@@ -6,8 +6,8 @@
 
 #include <iostream>
 
-/// Prints the text in Latin-1 on a line of its own and flushes. The length counts: a byte of
-/// value 0 is a text of one character.
+/// Prints the text in Latin-1 on its own line and flushes. A byte of value 0 does not end the
+/// text.
 inline void printLine(const QString &text)
 {
     const QByteArray bytes = text.toLatin1();

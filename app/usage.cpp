@@ -9,9 +9,9 @@
 namespace
 {
 
-// Kept to the letter, oddities included: the SET_ALL line stands twice, two lines end in a blank,
-// the SERVERCMD line does not close its bracket, and GET ALL and NOTIFY LOG are offered but
-// refused.
+// Every character is kept, oddities included: the SET_ALL line occurs twice, two lines end in a
+// blank, the SERVERCMD line does not close its bracket, and GET ALL and NOTIFY LOG are shown but
+// rejected.
 // clang-format off
 constexpr const char *usageLines[] = {
     "Command should look similar to following:",

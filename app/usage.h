@@ -3,7 +3,7 @@
 #pragma once
 
 /// True if the service, the path or the command word is missing, or if the service begins with "-h"
-/// or "--h". No other position is looked at for help, and longer words count as well.
+/// or "--h". No other position is checked for help. Longer words count as well.
 bool asksForUsage(char **argv);
 
 /// Writes the usage text to standard output, each line flushed.

@@ -29,7 +29,7 @@ def emit(text, count):
 
 def instructions(command, *options):
     """How many instructions a program takes: all of its threads and the loader, unless an option
-    of callgrind says otherwise."""
+    of callgrind selects less."""
     run = subprocess.run(
         ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", *options, *command],
         stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, check=True)
@@ -49,7 +49,7 @@ class Monitor:
         self.before = b""  # the end of what was read, for a text that two reads share
 
     def __enter__(self):
-        # A signal that is emitted before the program listens is not seen: ask until one is.
+        # The program does not see a signal that is emitted before it listens: repeat until it sees one.
         deadline = time.monotonic() + 60
         while not self.count(b"marker"):
             if time.monotonic() > deadline:
@@ -64,7 +64,7 @@ class Monitor:
             self.end()
 
     def count(self, text):
-        """How often the text stands in what was printed since the last time."""
+        """How often the text occurs in the output since the last call."""
         try:
             data = self.before + os.read(self.process.stdout.fileno(), 1 << 20)
         except BlockingIOError:
@@ -77,7 +77,7 @@ class Monitor:
         seconds from the first to the last."""
         taken, first, last = 0, None, time.monotonic()
         while taken < wanted and time.monotonic() - last < 20:
-            # What a millisecond brings is read at once: the reader takes little time from the read.
+            # One read takes the output of a millisecond, so that the reader uses little time.
             time.sleep(0.001)
             new = self.count(TICK)
             if new:
@@ -104,7 +104,7 @@ class Monitor:
             return int(re.search(r"VmHWM:\s+(\d+)", status.read()).group(1))
 
     def end(self):
-        """Ends the program, and returns what it said on standard error."""
+        """Ends the program, and returns its standard error."""
         self.process.terminate()
         os.set_blocking(self.process.stdout.fileno(), True)
         return self.process.communicate()[1]

@@ -1,6 +1,6 @@
 #!/usr/bin/python3 -B
 # SPDX-License-Identifier: MIT
-"""Fails if movra takes more instructions than what is written down in guard.figures.
+"""Fails if movra takes more instructions than the figures in guard.figures.
 
     guard.py MOVRA FOLDER_OF_BENCH_PROGRAMS [--single-file]
 
@@ -27,7 +27,7 @@ def of_an_element(movra):
 
 
 def of_a_line(movra):
-    """Of the slot that prints a signal. Qt's thread, which takes the message apart, is left out:
+    """Of the slot that prints a signal. Qt's thread, which parses the message, is left out:
     it takes far more, and not always the same."""
     lines = 5000
     command = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Runs a program, or several copies of it side by side, and says what that took:
+// Runs a program, or several copies of it in parallel, and prints what they used:
 //   bench_launch COPIES PROGRAM [ARGUMENT...]
 // prints, on one line: milliseconds from the start until the last byte of standard output had been
 // read and until the end, processor time of all in milliseconds, the peak memory of the largest in
 // KiB, bytes and lines that were read, and how many copies failed.
 //
-// A small program, because what a started program is said to have used at its peak is never less
-// than what its parent used.
+// This program is small, because the reported peak memory of a started program is never below that
+// of its parent.
 #include <algorithm>
 #include <array>
 #include <chrono>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A bare loop that formats doubles and writes each on a line of its own, at once: what printing an
-// array costs without a bus.
+// A bare loop that formats doubles and writes each immediately as a line: the cost of printing an
+// array without a bus.
 //   bench_lines COUNT
 #include <array>
 #include <cstdio>

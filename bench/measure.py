@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Measures movra beside other command-line D-Bus tools; bench/run starts it on a private bus.
+"""Compares movra with other command-line D-Bus tools; bench/run starts it on a private bus.
 
 All tools take turns, so that what else the machine does falls on all of them alike.
 """
@@ -33,7 +33,7 @@ def calls(path, member, arguments, literal=False):
     }
     if not arguments:
         return tools
-    if signature != "s":  # an id and an array in a variant, which two of them have no way to send
+    if signature != "s":  # an id and an array in a variant, which two of them cannot send
         return {
             "gdbus": tools["gdbus"] + [flat[0], f"<[{', '.join(flat[3:])}]>"],
             "busctl": tools["busctl"] + [signature, *flat],
@@ -89,7 +89,7 @@ def installed(tools):
 
 
 def launch(command, copies=1):
-    """One run, or several side by side, with what bench_launch says of it."""
+    """One run, or several in parallel, with the figures of bench_launch."""
     said = subprocess.run([f"{PROGRAMS}/bench_launch", str(copies), *command], check=True,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     answer, end, processor, memory, size, lines, failed = map(float, said.stdout.split())
@@ -184,7 +184,7 @@ def measure(results, quick):
         measure_monitors(results, size, MONITORS, 3 if size <= 100000 else 1)
         measure_monitors(results, size, MONITORS, 1, stalled=True)
 
-    # How it grows: what the tables above do not have, for movra alone.
+    # Growth of movra alone, which the tables above do not contain.
     for size in [10, 100] if quick else [1, 10000, 300000]:
         measure_calls(results, "array", size, {"movra": get_array(size)["movra"]}, few)
     for size in [10, 1000] if quick else [1, 1000, 10000, 100000, 300000, 1000000]:

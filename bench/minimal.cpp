@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The least that a Qt program does to ask for a string: connect, one call, print.
+// The smallest Qt program that reads a string: connect, one call, print.
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -102,7 +102,7 @@ TITLES = {
 
 
 def goals(results):
-    """What was aimed at, what was reached."""
+    """The goals and the figures reached."""
     rows = []
 
     def row(goal, reached, met):

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The service that measurements call. It is on libdbus and answers with messages built beforehand,
-// so that what is measured is the other side. An object path says how much there is at it: /n1000
-// has arrays of 1000 elements and 1000 ids.
+// The service that measurements call. It uses libdbus and replies with prepared messages, so that
+// only the client is measured. The object path selects the amount of data: /n1000 has arrays of
+// 1000 elements and 1000 ids.
 #include <dbus/dbus.h>
 
 #include <cstdint>
@@ -18,7 +18,7 @@ namespace
 
 constexpr const char *serviceName = "com.varn.bench";
 
-// What the service has, and no more: some of the tools that are measured ask for it first.
+// Some of the measured tools introspect the service first.
 constexpr const char *description = R"(<node>
   <interface name="varn.pim">
     <method name="GetValue">
@@ -90,7 +90,7 @@ int sizeAt(const char *path)
     return std::strncmp(path, "/n", 2) == 0 ? std::atoi(path + 2) : 0;
 }
 
-/// Fills in what the call asks for; an unknown member is answered with nothing.
+/// Fills in the reply to the call. The reply to an unknown member is empty.
 void appendAnswer(DBusMessage *reply, const std::string &member, const char *path,
                   const std::string &id)
 {
@@ -138,7 +138,7 @@ DBusHandlerResult serve(DBusConnection *bus, DBusMessage *call, void * /*data*/)
     }
     dbus_message_get_args(call, nullptr, DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
 
-    // What was answered once is kept.
+    // Each reply is built once.
     static std::map<std::string, DBusMessage *> answers;
     const char *const path = dbus_message_get_path(call);
     DBusMessage *&kept = answers[member + ' ' + path + ' ' + text];

@@ -33,13 +33,13 @@ ConnectFailure connectFailure {};
 }
 
 /// Ends the process as a failure to connect unless it is destroyed within 25 seconds. It works
-/// without a thread of its own, as a process may not be allowed another one.
+/// without a second thread, because the process may not be allowed to create one.
 class ConnectLimit
 {
 public:
     ConnectLimit()
     {
-        // Not alarm(): the program that started this one may have set it to limit the whole run.
+        // Not alarm(): the parent may have set it to limit the whole run.
         const int expired = SIGRTMIN;
         struct sigaction action {
         };
@@ -91,7 +91,7 @@ void onBusEnd(BusEnd end, int status = 0)
 
 void busEnded()
 {
-    // Held until the process has ended, so that outliveBus() does not return meanwhile.
+    // Held until the process has ended, so that outliveBus() does not return.
     const std::lock_guard<std::mutex> lock(busEndMutex);
     if (busEnd == BusEnd::FailsToConnect) {
         failToConnect();
@@ -115,7 +115,8 @@ QSemaphore tickets(8);
 std::mutex flowMutex; // guards the one below
 QObject *ticketReceiver = nullptr; // set while flow control is on
 
-/// The bytes of a signal's texts and arrays of numbers: the proxy's signals carry nothing else.
+/// The bytes of a signal's texts and arrays of numbers. The proxy's signals have no other
+/// arguments.
 std::size_t sizeOf(DBusMessage *signal)
 {
     std::size_t size = 0;
@@ -163,7 +164,7 @@ DBusHandlerResult limitFlow(DBusConnection * /*from*/, DBusMessage *message, voi
                 ticketReceiver, [] { tickets.release(); }, Qt::QueuedConnection);
         }
     }
-    // Saves libdbus the search for an object: Qt D-Bus has none that takes signals.
+    // libdbus does not need to search for an object: Qt D-Bus has none for signals.
     return DBUS_HANDLER_RESULT_HANDLED;
 }
 
@@ -184,7 +185,7 @@ QDBusConnection openSessionBus(const ConnectFailure &failure)
         dbus_connection_add_filter(connection, &noticeBusEnd, nullptr, nullptr);
     }
     onBusEnd(BusEnd::FailsToConnect);
-    // The bus may have ended before the filter was there.
+    // The bus may have ended before the filter was added.
     endIfBusEnded();
     return bus;
 }
@@ -219,6 +220,6 @@ FlowControl::~FlowControl()
     dbus_connection_remove_filter(connection, &limitFlow, nullptr);
     const std::lock_guard<std::mutex> lock(flowMutex);
     ticketReceiver = nullptr;
-    // Qt D-Bus's thread may be waiting for one.
+    // Qt D-Bus's thread may wait for a ticket.
     tickets.release();
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The session bus, with what libdbus offers and Qt D-Bus does not: a process that ends with the
-// bus, and a limit to the memory for received messages.
+// The session bus with two features of libdbus that Qt D-Bus does not offer: the process notices
+// the end of the bus, and the memory for received messages is limited.
 #pragma once
 
 #include <QDBusConnection>
@@ -17,10 +17,10 @@ struct ConnectFailure {
 /// connected.
 ///
 /// If the bus does not respond for 25 seconds, or ends before endWithBus() or outliveBus() is
-/// called, the process ends as the failure says. Qt D-Bus 5.15 would wait for ever.
+/// called, the process ends as `failure` says. Qt D-Bus 5.15 would wait without limit.
 QDBusConnection openSessionBus(const ConnectFailure &failure);
 
-/// From now on the end of the bus ends the process at once with this status, and so does a bus that
+/// From now on the end of the bus ends the process immediately with this status. So does a bus that
 /// has ended already. Nothing is printed.
 void endWithBus(int status);
 
@@ -37,7 +37,7 @@ void endIfBusEnded();
 /// Qt D-Bus's thread counts the signals that it queues for the main thread. After every 1000th, or
 /// 256 KiB, it acquires one of 8 tickets. The main thread releases the ticket when it has handled
 /// the signals that were queued before. While there is no ticket, the thread does not read, so the
-/// main thread must not wait for an answer from the bus. Only signals are counted, because Qt D-Bus
+/// main thread must not wait for a reply from the bus. Only signals are counted, because Qt D-Bus
 /// does not forward method calls to other filters.
 class FlowControl
 {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The client-side images of the remote interfaces. This header reads as the table of "varn.pim":
-// moc numbers the signals first and then the methods, in the order written, so keep the order.
+// The proxies of the remote interfaces. This header is the table of "varn.pim". moc numbers the
+// signals first and then the methods, in the order of declaration, so keep the order.
 #pragma once
 
 #include "bus/types.h"
@@ -15,10 +15,10 @@
 
 /// Proxy of "varn.pim", the interface of the application service.
 ///
-/// Every method sends its call at once and returns without waiting; overloads share one bus member
-/// and are told apart by the signature of their arguments. No time-out is set: who waits for a
-/// reply waits under Qt D-Bus's default of 25,000 ms (QDBusAbstractInterface::setTimeout). A call
-/// on an invalid proxy, or one that the service refuses, is a reply that finishes with an error.
+/// Every method sends its call immediately and returns without waiting. Overloads have the same bus
+/// member and differ in the signature of their arguments. No time-out is set, so Qt D-Bus's default
+/// of 25,000 ms applies to a reply (QDBusAbstractInterface::setTimeout). The reply of a call on an
+/// invalid proxy, or of a refused call, is an error.
 class KorAppInterface : public QDBusAbstractInterface
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ class KorAppInterface : public QDBusAbstractInterface
 public:
     static const char *staticInterfaceName() { return "varn.pim"; }
 
-    /// Asks the bus for the owner of the service name; isValid() then tells whether there is one.
+    /// Asks the bus for the owner of the service name. isValid() is true if there is one.
     KorAppInterface(const QString &service, const QString &path, const QDBusConnection &connection,
                     QObject *parent);
     ~KorAppInterface() override;
@@ -57,7 +57,7 @@ public Q_SLOTS:
     QDBusPendingReply<QStringList> ListResultIds() { return send("ListResultIds"); } // -> as
     QDBusPendingReply<bool> LoadConfig(const QString &name) { return send("LoadConfig", name); } // s -> b
     QDBusPendingReply<> LogClear(const QString &id) { return send("LogClear", id); } // s
-    // One string, while the other catalogues are lists of strings: the service has it so.
+    // One string, as the service sends it. The other ids are lists of strings.
     QDBusPendingReply<QString> LogGetIds() { return send("LogGetIds"); } // -> s
     QDBusPendingReply<> LogStartNotify(const QString &id) { return send("LogStartNotify", id); } // s
     QDBusPendingReply<> LogStopNotify(const QString &id) { return send("LogStopNotify", id); } // s
@@ -82,8 +82,8 @@ Q_SIGNALS:
     void SigUpdate(const QString &updateMsg);
 
 private:
-    /// The only place that builds a call. QVariant::fromValue keeps the records and the variants as
-    /// what they are, which the plain QVariant constructor of Qt's own asyncCall() cannot.
+    /// The only place that builds a call. QVariant::fromValue keeps the type of structures and
+    /// variants. The plain QVariant constructor of Qt's own asyncCall() does not.
     template <typename... Args> QDBusPendingCall send(const char *member, const Args &...args)
     {
         return asyncCallWithArgumentList(QLatin1String(member),
@@ -91,8 +91,8 @@ private:
     }
 };
 
-/// Proxy of the service's introspection interface. It completes the set of proxies; the program
-/// itself never asks a service to describe itself and so never builds one.
+/// Proxy of the service's introspection interface. It completes the set of proxies. The program
+/// itself never introspects a service and so never builds one.
 class ComVarnDBusIntrospectableInterface : public QDBusAbstractInterface
 {
     Q_OBJECT

@@ -73,7 +73,7 @@ template <typename T> void registerType(const char *name)
 
 void registerBusTypes()
 {
-    // The order is fixed: type ids are handed out in it, the signed arrays before the unsigned.
+    // The order is fixed, because it decides the type ids: the signed arrays precede the unsigned.
     registerType<IdValueStruct>("IdValueStruct");
     registerType<QList<IdValueStruct>>("QList<IdValueStruct>");
     registerType<IdValueStatusStruct>("IdValueStatusStruct");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The records and arrays that cross the bus, with their streaming operators and their registration.
+// The structures and arrays of the interface, their streaming operators and their registration.
 #pragma once
 
 #include <QDBusArgument>
@@ -12,25 +12,25 @@
 #include <utility>
 #include <vector>
 
-/// One item's identifier and value; D-Bus signature `(sv)`.
+/// One item's id and value; D-Bus signature `(sv)`.
 struct IdValueStruct {
     QString id;
     QVariant value; ///< what the variant on the bus holds, unwrapped one level
 };
 
-/// Streams `(sv)`; the value always leaves as a variant, whatever it holds.
+/// Streams `(sv)`; a value of any type is sent as a variant.
 QDBusArgument &operator<<(QDBusArgument &out, const IdValueStruct &record);
 /// Reads `(sv)`; an array of numbers inside the variant stays an undecoded QDBusArgument.
 const QDBusArgument &operator>>(const QDBusArgument &in, IdValueStruct &record);
 
-/// One item's identifier, value and status; D-Bus signature `(svi)`.
+/// One item's id, value and status; D-Bus signature `(svi)`.
 struct IdValueStatusStruct {
     QString id;
     QVariant value; ///< what the variant on the bus holds, unwrapped one level
     int status = 0; ///< as the service reports it
 };
 
-/// Streams `(svi)`; the value always leaves as a variant, whatever it holds.
+/// Streams `(svi)`; a value of any type is sent as a variant.
 QDBusArgument &operator<<(QDBusArgument &out, const IdValueStatusStruct &record);
 /// Reads `(svi)`; an array of numbers inside the variant stays an undecoded QDBusArgument.
 const QDBusArgument &operator>>(const QDBusArgument &in, IdValueStatusStruct &record);
@@ -49,7 +49,7 @@ template <typename Container> QDBusArgument &write(QDBusArgument &out, const Con
     return out;
 }
 
-/// Reads a D-Bus array; what the container held before is discarded.
+/// Reads a D-Bus array; earlier contents of the container are discarded.
 template <typename Container>
 const QDBusArgument &read(const QDBusArgument &in, Container &elements)
 {
@@ -66,8 +66,8 @@ const QDBusArgument &read(const QDBusArgument &in, Container &elements)
 
 } // namespace busarray
 
-// Qt has generic operators of its own, but they fit std::vector with g++ only: these are found by
-// every compiler because they stand in the global namespace, beside QDBusArgument.
+// Qt's generic operators match std::vector only with g++. Every compiler finds these, because they
+// are in the global namespace, as QDBusArgument is.
 
 /// Streams an array, by the element type: `ad`, `ai`, `au`, `ax` or `at` for the registered ones.
 template <typename T> QDBusArgument &operator<<(QDBusArgument &out, const std::vector<T> &elements)
@@ -75,7 +75,7 @@ template <typename T> QDBusArgument &operator<<(QDBusArgument &out, const std::v
     return busarray::write(out, elements);
 }
 
-/// Reads an array, by the element type; the caller sees to it that the wire has that type.
+/// Reads an array, by the element type. The caller checks that the wire has that type.
 template <typename T>
 const QDBusArgument &operator>>(const QDBusArgument &in, std::vector<T> &elements)
 {
@@ -91,8 +91,8 @@ QDBusArgument &operator<<(QDBusArgument &out, const QList<IdValueStatusStruct> &
 /// Reads `a(svi)`.
 const QDBusArgument &operator>>(const QDBusArgument &in, QList<IdValueStatusStruct> &records);
 
-// moc writes an argument-type registration for every declared type that it can see; the
-// meta-objects of this program register QDBusVariant alone.
+// moc writes an argument-type registration for every declared type that it can see. The
+// meta-objects of this program register only QDBusVariant.
 #ifndef Q_MOC_RUN
 Q_DECLARE_METATYPE(IdValueStruct)
 Q_DECLARE_METATYPE(IdValueStatusStruct)

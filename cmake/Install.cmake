@@ -1,5 +1,5 @@
-# What is installed where. Two components, which are also the two Debian packages: movra, and
-# movra-sim with all that belongs to the simulated service.
+# The installed files. The two components are also the two Debian packages: movra, and movra-sim with all
+# files of the simulated service.
 
 foreach(program IN ITEMS movra movra-sim)
   set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME ${program})

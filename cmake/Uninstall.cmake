@@ -1,6 +1,6 @@
 # Removes what the last `cmake --install` of a build directory installed:
 #   cmake -D MANIFEST=<build directory>/install_manifest.txt -P Uninstall.cmake
-# DESTDIR counts as it did then. Of the directories only movra's own go, and only if they are empty.
+# DESTDIR applies as it did then. Only movra's own directories are removed, and only if they are empty.
 
 if(NOT EXISTS "${MANIFEST}")
   message(FATAL_ERROR "Nothing was installed from here: there is no ${MANIFEST}")

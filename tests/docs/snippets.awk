@@ -1,13 +1,13 @@
 # Turns a document into a script for cram, line for line.
 #
-# An indented block is a session: behind "$ " stands a command, behind "> " more of it, then the exact
-# answer. A fenced block marked "sh" is run and prints nothing. A document's blocks share one shell and
-# one scratch directory. In the line before a block, or alone, may stand:
-#   <!-- not run: REASON -->      the block is only to be read; every block that is not run says so
-#   <!-- file: NAME -->           the block is what that file holds
-#   <!-- run: COMMAND -->         is run where it stands, and is not shown
+# An indented block is a session: a command follows "$ ", its continuation "> ", then the exact answer
+# follows. A fenced block marked "sh" is run and prints nothing. A document's blocks share one shell and
+# one scratch directory. The line before a block, or a line alone, can be:
+#   <!-- not run: REASON -->      the block is not run; every such block has this note
+#   <!-- file: NAME -->           the block is the content of that file
+#   <!-- run: COMMAND -->         is run at this place, and is not shown
 # In a manual page, which has .\" for <!-- and -->, blocks between .EX and .EE are such sessions, or
-# marked; one between .nf and .fi that does not begin with "$ " is only to be read.
+# marked; one between .nf and .fi that does not begin with "$ " is not run.
 
 function complain(what)
 {
