@@ -1,5 +1,5 @@
-# The installed files. The two components are also the two Debian packages: movra, and movra-sim with all
-# files of the simulated service.
+# What is installed where. Two components, which are also the two Debian packages: movra, and
+# movra-sim with all that belongs to the simulated service.
 
 foreach(program IN ITEMS movra movra-sim)
   set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME ${program})
@@ -22,7 +22,7 @@ install(FILES completions/movra.fish
   DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(FILES bus/varn.pim.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
-# In docs/ below the README as in the sources, so that its links and pictures work.
+# Beside the README as in the sources, so that its links and the pictures work.
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md docs/*.svg docs/*.csv)
 list(REMOVE_ITEM documents ${PROJECT_SOURCE_DIR}/docs/catalog.md)
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
