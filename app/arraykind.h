@@ -10,7 +10,7 @@
 /// One kind. SETARRAY builds an array of this kind. The printer reads integers of the kind's width
 /// with the kind's signedness.
 struct ArrayKind {
-    const char *word; ///< searched anywhere in the identifier, case-sensitively
+    const char *word; ///< searched anywhere in the id, case-sensitively
     char element; ///< D-Bus type code of the elements
     /// Makes the kind's array: a std::vector of the element type, or a QStringList. Text that does
     /// not convert becomes 0.

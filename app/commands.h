@@ -9,8 +9,8 @@
 
 /// What the process does after a handler has returned Success.
 enum class Ending {
-    Answered, ///< nothing: the handler waited for its answer
-    Sent, ///< sends the call, for whose answer the handler did not wait
+    Answered, ///< nothing: the handler waited for the reply
+    Sent, ///< sends the call: the handler did not wait for the reply
     Listening, ///< prints signals until the bus ends
 };
 
