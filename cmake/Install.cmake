@@ -9,17 +9,17 @@ foreach(program IN ITEMS movra movra-sim)
   install(FILES LICENSE
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${program}
     RENAME copyright)
+  # Each of these finds its script of candidates at ../../${program}.
+  install(FILES completions/${program}.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME ${program})
+  install(FILES completions/_${program} DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES completions/${program}.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endforeach()
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra)
 install(PROGRAMS completions/candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra)
-# Each of these finds the script at ../../movra.
-install(FILES completions/movra.bash
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-  RENAME movra)
-install(FILES completions/_movra DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES completions/movra.fish
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(FILES bus/varn.pim.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
 # Beside the README as in the sources, so that its links and the pictures work.
@@ -28,6 +28,7 @@ list(REMOVE_ITEM documents ${PROJECT_SOURCE_DIR}/docs/catalog.md)
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra-sim)
+install(PROGRAMS completions/sim-candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
 install(FILES sim/catalog.json sim/catalog.schema.json
   DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
 install(FILES docs/catalog.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra-sim)

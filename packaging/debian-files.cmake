@@ -1,11 +1,9 @@
 # CPack runs this on the tree that it has staged, a directory a component, before it packs it.
 
-# zsh in Debian looks into a directory that packages alone have.
-set(share ${CPACK_TEMPORARY_DIRECTORY}/movra${CPACK_PACKAGING_INSTALL_PREFIX}/share)
-file(RENAME ${share}/zsh/site-functions ${share}/zsh/vendor-completions)
-
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(share ${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX}/share)
+  # zsh in Debian looks into a directory that packages alone have.
+  file(RENAME ${share}/zsh/site-functions ${share}/zsh/vendor-completions)
   file(COPY ${CPACK_MOVRA_CHANGELOG}
     DESTINATION ${share}/doc/${component}
     NO_SOURCE_PERMISSIONS)

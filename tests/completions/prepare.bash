@@ -12,3 +12,5 @@ bind -x '"\C-t": show_line'
 [[ ! ${BASH_COMPLETION-} ]] || . "$BASH_COMPLETION"
 # shellcheck source=completions/movra.bash
 . "$COMPLETIONS/movra.bash"
+# shellcheck source=completions/movra-sim.bash
+. "$COMPLETIONS/movra-sim.bash"

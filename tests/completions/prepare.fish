@@ -17,3 +17,4 @@ bind \cn insert_all
 bind \ct show_line
 bind \cu kill-whole-line
 source $COMPLETIONS/movra.fish
+source $COMPLETIONS/movra-sim.fish

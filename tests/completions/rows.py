@@ -105,6 +105,14 @@ CANDIDATES = [
      ["ERROR", "INFO", "DEBUG", "DEBUG1", "DEBUG2", "DEBUG3", "DEBUG4"]),
     ("SERVERCMD", TUL + "SERVERCMD ", ["SET_RES_NOTIFY_TIMER", "SET_CFG_NOTIFY_TIMER"]),
     ("an id of 10 MB is left out", VAST + "SET ", [":config:first:", ":config:last:"]),
+    ("options of movra-sim", "movra-sim --ca", ["--catalog", "--capture"]),
+    ("options of movra-sim, after a value", "movra-sim --fault GetValue=delay:5 --ver", ["--version"]),
+    ("members of --fault", "movra-sim --fault GetValue", ["GetValue=", "GetValueStatus="]),
+    ("faults", "movra-sim --fault GetValue=",
+     ["GetValue=delay:", "GetValue=refuse", "GetValue=refuse:", "GetValue=error:",
+      "GetValue=wrong-type", "GetValue=silence", "GetValue=vanish"]),
+    ("faults after an equals sign", "movra-sim --fault=GetValue=re",
+     ["--fault=GetValue=refuse", "--fault=GetValue=refuse:"]),
     ("one of 200,000 nodes, and a mark", "movra com.varn.vast ", ["/", "+more"]),
     ("the 100 of 200,000 ids that begin alike", VAST + "NOTIFY RESULT ADD :result:1999",
      [f":result:{number:06}:" for number in range(199900, 200000)]),
@@ -135,8 +143,26 @@ LINES = [
      "true; " + TUL + "SET :config:data:ftp:userName: "),
     ("the beginning that 1,000 of 200,000 ids have in common", VAST + "NOTIFY RESULT ADD :result:0",
      VAST + "NOTIFY RESULT ADD :result:0"),
+    ("an option of movra-sim", "movra-sim --fa", "movra-sim --fault "),
+    ("a member, which a fault must follow", "movra-sim --fault GetStat", "movra-sim --fault GetStatus="),
+    ("a fault, which a time must follow", "movra-sim --fault GetStatus=d", "movra-sim --fault GetStatus=delay:"),
+    ("a fault without a value", "movra-sim --fault GetStatus=v", "movra-sim --fault GetStatus=vanish "),
+    ("a fault of one id", "movra-sim --fault 'GetStatus(:config:a=b:)=v",
+     "movra-sim --fault 'GetStatus(:config:a=b:)=vanish' "),
+    ("a file", "movra-sim --catalog evening.", "movra-sim --catalog evening.json "),
+    ("a file after an equals sign", "movra-sim --check=evening.", "movra-sim --check=evening.json "),
+    ("a directory", "movra-sim --state /usr/shar", "movra-sim --state /usr/share/"),
+    ("a directory after an equals sign", "movra-sim --state=/usr/shar", "movra-sim --state=/usr/share/"),
     ("true or false", TUL + "SET :config:data:ftp:passive: t",
      TUL + "SET :config:data:ftp:passive: true "),
+]
+
+# The same for the command that movra-sim runs. bash needs bash-completion for it.
+COMMAND_LINES = [
+    ("a command", "movra-sim --path / -- dbus-run-sess", "movra-sim --path / -- dbus-run-session "),
+    ("the words of a command", "movra-sim -- " + TUL + "NO", "movra-sim -- " + TUL + "NOTIFY "),
+    ("an id for a command", "movra-sim -- " + TUL + "SET :config:data:ftp:u",
+     "movra-sim -- " + TUL + "SET :config:data:ftp:userName: "),
 ]
 
 # Name, line, the words that movra gets after a Tab and Enter.
@@ -205,6 +231,11 @@ SILENT = [
     ("words that the script could run", "movra touch pwned ask"),
     ("a path that is a switch", "movra com.varn.tul --bus=unixexec:path=touch,argv1=pwned SET :config:"),
     ("a path that does not exist", "movra com.varn.tul /no/such SET :config:"),
+    ("no file as a bus name", "movra-sim --service even"),
+    ("no file as the id of a fault", "movra-sim --fault 'GetValue(even"),
+    ("no file as the time of a fault", "movra-sim --fault GetValue=delay:even"),
+    ("no file as a directory", "movra-sim --state even"),
+    ("no arguments without an option", "movra-sim even"),
     ("an id with an escape sequence", HOSTILE + "SET :config:e"),
     ("an id of several lines", HOSTILE + "SET :config:l"),
     ("an id with a tab", HOSTILE + "SET :config:t"),
