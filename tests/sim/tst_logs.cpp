@@ -35,6 +35,7 @@ private Q_SLOTS:
     void theReportingLevelChoosesTheEntries();
     void debugLogsAreSwitchedByInstance();
     void debugLogsAreSwitchedAsAWhole();
+    void theDebugLogEndsAt16MiB();
     void aNewFileReplacesTheOldOne();
     void savingStops();
     void commandsAreChecked_data();
@@ -224,6 +225,29 @@ void TestLogs::debugLogsAreSwitchedAsAWhole()
     service->SetValue(port, QDBusVariant(text("23"))).waitForFinished();
     QCOMPARE(contentsOf(text("capture.txt")),
              QByteArray("INFO LOG_DATA :config:data:ftp:port: set to 23\n"));
+}
+
+void TestLogs::theDebugLogEndsAt16MiB()
+{
+    const QByteArray entry = "DEBUG LOG_DATA :result:data:ftp:percentTransfered:0: read\n";
+    QCOMPARE(entry.size(), 58);
+    constexpr int mostEntries = 289262;
+    command("SAVE_TO", "capture.txt");
+    QCOMPARE(command("SET_REPORTING_LEVEL", "DEBUG"), QString());
+    QStringList ids;
+    for (int count = 0; count < mostEntries; ++count) {
+        ids.append(percent);
+    }
+    service->GetStatus(ids);
+    QCOMPARE(takeHeard(),
+             QStringList { text("SigInfo debug log goes to ") + pathOf(text("capture.txt")) });
+    QVERIFY(contentsOf(text("capture.txt")) == entry.repeated(mostEntries));
+    service->GetStatus(percent);
+    service->GetStatus(percent);
+    QCOMPARE(takeHeard(),
+             QStringList { text("SigError the debug log cannot be written and is closed: it would "
+                                "be larger than 16 MiB") });
+    QCOMPARE(QFileInfo(pathOf(text("capture.txt"))).size(), qint64(16777196));
 }
 
 void TestLogs::aNewFileReplacesTheOldOne()
