@@ -18,6 +18,7 @@ class tst_BusFailures : public QObject
 private Q_SLOTS:
     void aBusThatDiesAtTheStart_data();
     void aBusThatDiesAtTheStart();
+    void aBusThatDiesLater_data();
     void aBusThatDiesLater();
     void aBusThatDiesDuringACapture();
     void manyCallsThatWait();
@@ -46,12 +47,20 @@ void tst_BusFailures::aBusThatDiesAtTheStart()
     QCOMPARE(simulator.status, 3);
 }
 
+void tst_BusFailures::aBusThatDiesLater_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("a bus that ends") << SIGTERM;
+    QTest::newRow("a bus that is killed") << SIGKILL;
+}
+
 void tst_BusFailures::aBusThatDiesLater()
 {
+    QFETCH(int, number);
     const PrivateBus bus;
     Program simulator(MOVRA_SIM_PROGRAM, {}, busEnvironment(bus.address));
     QVERIFY(simulator.waitForLines(1));
-    bus.daemon->send(SIGKILL);
+    bus.daemon->send(number);
     QVERIFY(simulator.waitForEnd());
     QCOMPARE(simulator.err, QByteArray("movra-sim: the session bus went away\n"));
     QCOMPARE(simulator.status, 3);

@@ -72,35 +72,6 @@ constexpr const char *help =
     "With a command, its own status: 126 if it cannot be run, 127 if there is no such command,\n"
     "128 and the signal's number if a signal ended it.\n";
 
-/// A bus that ends when the test wants it to.
-class OwnBus
-{
-public:
-    bool start()
-    {
-        daemon.start(
-            text("dbus-daemon"),
-            { text("--nofork"), text("--print-address"), text("--config-file=" MOVRA_BUS_CONFIG) });
-        while (!daemon.canReadLine()) {
-            if (!daemon.waitForReadyRead()) {
-                return false;
-            }
-        }
-        address = QString::fromLatin1(daemon.readLine().trimmed());
-        return true;
-    }
-    ~OwnBus() { end(); }
-    void end()
-    {
-        daemon.terminate();
-        daemon.waitForFinished();
-    }
-    QString address;
-
-private:
-    QProcess daemon;
-};
-
 } // namespace
 
 class TestProgram : public QObject
@@ -116,7 +87,6 @@ private Q_SLOTS:
     void whatIsWrongHasItsLineAndItsStatus();
     void aTakenNameIsLeftToItsOwner();
     void withoutABusThereIsNothingToServe();
-    void aLostBusEndsTheProgram();
     void aSignalEndsTheProgramInOrder_data();
     void aSignalEndsTheProgramInOrder();
     void signalsIgnoredAtTheStartStayIgnored();
@@ -347,22 +317,6 @@ void TestProgram::withoutABusThereIsNothingToServe()
         run({}),
         text("3||movra-sim: there is no session bus: Failed to connect to socket /nonexistent: "
              "No such file or directory\n"));
-}
-
-void TestProgram::aLostBusEndsTheProgram()
-{
-    OwnBus bus;
-    QVERIFY(bus.start());
-    environment.insert(text("DBUS_SESSION_BUS_ADDRESS"), bus.address);
-    QProcess simulator;
-    simulator.setProcessEnvironment(environment);
-    QVERIFY(startSimulator(simulator, {}));
-    bus.end();
-    QVERIFY(simulator.waitForFinished());
-    QCOMPARE(simulator.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(simulator.exitCode(), 3);
-    QCOMPARE(simulator.readAllStandardError(),
-             QByteArray("movra-sim: the session bus went away\n"));
 }
 
 void TestProgram::aSignalEndsTheProgramInOrder_data()
