@@ -206,11 +206,19 @@ int runCommand(Options options,
     Process service;
     Pipe ready;
     if (service.fork(signals, true)) {
+        const pid_t parent = ::getppid();
         ready.reader.close();
         const int status = serve(options, [&ready] {
             ready.writer.write("ready");
             ready.writer.close();
         });
+        if (::getppid() != parent) {
+            // The parent was killed. The bus removes its socket, which can make one attempt fail.
+            const QString path = directory.path();
+            if (!QDir(path).removeRecursively()) {
+                QDir(path).removeRecursively();
+            }
+        }
         // What this process holds a copy of is not its own to end.
         ::_exit(status);
     }
