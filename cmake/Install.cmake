@@ -28,9 +28,10 @@ list(REMOVE_ITEM documents ${PROJECT_SOURCE_DIR}/docs/catalog.md)
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra-sim)
-install(PROGRAMS completions/sim-candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
 install(FILES sim/catalog.json sim/catalog.schema.json
   DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
+install(FILES sim/gateway.json DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
+install(PROGRAMS completions/sim-candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
 install(FILES docs/catalog.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra-sim)
 # For the README's link; of this component, as the link would lead nowhere without the file.
 file(CREATE_LINK ../../movra-sim/catalog.md ${PROJECT_BINARY_DIR}/catalog.md SYMBOLIC)
