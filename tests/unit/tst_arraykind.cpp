@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Array kinds: which word in an identifier wins, and what texts become.
+// Array kinds: the kind word of an identifier, and the conversion of texts to arrays.
 #include "app/arraykind.h"
 #include "bus/types.h"
 

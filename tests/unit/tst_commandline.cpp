@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading the argument vector: words at positions, and when the usage text is asked for.
+// Reading the argument vector: words at positions, and requests for the usage text.
 #include "app/commandline.h"
 #include "app/usage.h"
 
@@ -35,7 +35,7 @@ void tst_CommandLine::wordAt_data()
         << QByteArrayList { "movra", "com.varn.tul", "/" } << 3 << QByteArray();
     QTest::newRow("what follows the end is not a word")
         << QByteArrayList { "movra", "com.varn.tul" } << 3 << QByteArray();
-    QTest::newRow("nothing at all") << QByteArrayList {} << 1 << QByteArray();
+    QTest::newRow("an empty vector") << QByteArrayList {} << 1 << QByteArray();
 }
 
 void tst_CommandLine::wordAt()
@@ -57,7 +57,7 @@ void tst_CommandLine::asksForUsage_data()
     const auto request = [](const char *service) {
         return QByteArrayList { "movra", service, "/", "GET" };
     };
-    QTest::newRow("not even a program name") << QByteArrayList {} << true;
+    QTest::newRow("no program name") << QByteArrayList {} << true;
     QTest::newRow("no arguments") << QByteArrayList { "movra" } << true;
     QTest::newRow("one argument") << QByteArrayList { "movra", "com.varn.tul" } << true;
     QTest::newRow("two arguments") << QByteArrayList { "movra", "com.varn.tul", "/" } << true;

@@ -85,7 +85,7 @@ void tst_ElementLines::anyBitsAreWrittenAsByTheStream()
     constexpr int rounds = 100000;
     for (int i = 0; i < rounds; ++i) {
         addBits(random());
-        // Numbers of everyday size, many of them halfway between two texts, and whole ones.
+        // Numbers of common sizes, many of them halfway between two texts, and whole ones.
         const auto number = static_cast<double>(random() % 200000001) - 1e8;
         elements.push_back(number / 64);
         elements.push_back(number / 1000);
