@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The interface file that people and tools read says exactly what the proxy can do, and no more.
+// The interface file describes exactly the members of the proxy.
 #include "bus/proxies.h"
 
 #include <QDBusMetaType>
@@ -35,7 +35,7 @@ Interface fromFile()
     QString head;
     QStringList in;
     QStringList out;
-    QStringList *last = nullptr; ///< where the argument went that was read last
+    QStringList *last = nullptr; ///< the list with the argument that was read last
     while (!xml.atEnd()) {
         xml.readNext();
         const auto attribute = [&xml](const char *name) {
@@ -54,7 +54,7 @@ Interface fromFile()
             last->append((attribute("type") + QLatin1Char(' ') + attribute("name")).trimmed());
         } else if (xml.isStartElement() && xml.name() == QLatin1String("annotation")
                    && last != nullptr) {
-            // A signal's arguments count as going out.
+            // The arguments of a signal have the direction "out".
             const bool goesOut = last == &out || head.startsWith(QLatin1String("signal"));
             const QString name = QStringLiteral("org.qtproject.QtDBus.QtTypeName.%1%2")
                                      .arg(goesOut ? QStringLiteral("Out") : QStringLiteral("In"))
@@ -74,7 +74,7 @@ Interface fromFile()
     return interface;
 }
 
-/// An argument or a result of the proxy, as the file has it.
+/// An argument or a result of the proxy, as the file writes it.
 QString describe(const QByteArray &typeName, const QByteArray &name = {})
 {
     const QString signature =

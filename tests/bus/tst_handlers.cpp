@@ -65,11 +65,11 @@ void tst_Handlers::failedCallsAreRecorded()
         service->refuse(form.member, "varn.pim.Error.Refused", "the reply's own text");
         movra.lastErrorText = QStringLiteral("older");
         QCOMPARE(callHandler(movra, requestOf(form)).out, form.failed);
-        // The proxy's error is recorded, which stays empty; LIST and those that do not wait record
-        // nothing.
+        // The recorded error is that of the proxy, which stays empty. LIST and commands that do
+        // not wait record nothing.
         const bool records = form.failed.contains("err=");
         QCOMPARE(movra.lastErrorText, records ? QString() : QStringLiteral("older"));
-        // Also of those that do not wait: the next form must not meet this one's call.
+        // Calls without a wait must arrive before the next form is tried, too.
         QCOMPARE(service->waitForCalls(1), QByteArrayList { form.call });
     }
 }

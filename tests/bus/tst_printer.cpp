@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The printer of packed values, where no reply can lead: stepped into arguments, and large arrays.
+// The printer of packed values that no reply contains: arguments that were stepped into, and large
+// arrays.
 #include "app/movra.h"
 #include "bus/types.h"
 #include "tests/support/capture.h"
@@ -61,7 +62,7 @@ void tst_Printer::typesThatAreNoArrays_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<Step>("in");
-    QTest::addColumn<Step>("out"); ///< whoever steps in must step out again, or Qt D-Bus leaks
+    QTest::addColumn<Step>("out"); ///< the opposite of `in`; without it Qt D-Bus leaks
     QTest::addColumn<QByteArray>("line");
 
     const auto row = [](const char *name, const char *value, const Step &in, const Step &out,

@@ -117,7 +117,7 @@ void tst_Proxies::calls_data()
     QTest::addColumn<QByteArray>("wire");
     QTest::addColumn<QByteArray>("reply");
     QTest::addColumn<QString>("value");
-    QTest::addColumn<QByteArray>("otherReply"); ///< empty where any reply will do
+    QTest::addColumn<QByteArray>("otherReply"); ///< empty if every reply is accepted
 
     const auto row = [](const char *name, const char *member, const Call &call, const char *wire,
                         const char *reply, const char *value, const char *otherReply) {
@@ -275,7 +275,7 @@ void tst_Proxies::errorReplies()
     const Outcome outcome = call(*proxy);
     QCOMPARE(service->takeCalls(), QByteArrayList { wire });
     QCOMPARE(outcome.errorName, QStringLiteral("varn.pim.Error.Refused"));
-    // A reply's error is not the proxy's: it is what the commands print, so it must stay empty.
+    // The commands print the error of the proxy. An error reply must leave it empty.
     QCOMPARE(proxy->lastError().message(), QString());
 }
 
@@ -335,7 +335,7 @@ void tst_Proxies::invocationsByIndexSendCalls()
               QList<IdValueStruct> { { QStringLiteral(":x:"), QStringLiteral("text") },
                                      { QStringLiteral(":y:"), 2.5 } }) },
     };
-    // The texts differ from row to row: they are in the expected call.
+    // The texts of each row are in its expected call.
     const QStringList texts = QString::fromUtf8(wire).split(QLatin1Char('\''));
     const QByteArray row = QTest::currentDataTag();
     const QMetaMethod method = KorAppInterface::staticMetaObject.method(

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The bus types in Qt's type system. Nothing here registers them but the client's connection.
+// The bus types in Qt's type system. Only the connection of the client registers them here.
 #include "app/movra.h"
 #include "bus/types.h"
 #include "tests/support/capture.h"
@@ -35,7 +35,7 @@ private Q_SLOTS:
     void containersAreIterated();
 };
 
-// The first test: what it looks for must not have happened before.
+// This test is the first, because it needs a process without registered types.
 void tst_Registration::connectingRegistersTheTypesInOrder()
 {
     for (const char *name : names) {
@@ -76,7 +76,7 @@ void tst_Registration::namesLeadToTypes()
 {
     QFETCH(int, id);
     QFETCH(QByteArray, signature);
-    // What signals are connected by, and what QVariant and replies go by.
+    // Connections of signals use the first, QVariant the second, replies the third.
     QCOMPARE(QMetaType::type(QTest::currentDataTag()), id);
     QCOMPARE(QByteArray(QMetaType::typeName(id)), QByteArray(QTest::currentDataTag()));
     QCOMPARE(QByteArray(QDBusMetaType::typeToSignature(id)), signature);

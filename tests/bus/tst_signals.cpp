@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Signals of the service: which one reaches which overload, and when the bus is asked for them.
+// Signals of the service: the overload that each one reaches, and the match rules for them.
 #include "bus/proxies.h"
 #include "tests/support/fakeservice.h"
 #include "tests/support/patience.h"
@@ -25,7 +25,7 @@ private Q_SLOTS:
     void signalsOfOthersAreIgnored_data();
     void signalsOfOthersAreIgnored();
     void matchRulesLastAsLongAsConnections();
-    void theRuleStaysUntilTheLastConnectionGoes();
+    void theRuleStaysUntilTheLastConnectionEnds();
     void theProxyEmitsItsSignalsByIndex();
 
 private:
@@ -50,7 +50,7 @@ QByteArrayList ownRules(const FakeService &service)
     return service.matchRules("com.varn.tul");
 }
 
-/// Whether the bus knows that this process wants the signal; Qt D-Bus tells it from its own thread.
+/// Whether the bus has a match rule of this process for the signal. Qt D-Bus adds it in its thread.
 bool isListeningFor(const QByteArray &member, const FakeService &service)
 {
     const QByteArrayList rules = ownRules(service);
@@ -79,7 +79,7 @@ void tst_Signals::initTestCase()
 
 void tst_Signals::init()
 {
-    // What an earlier test listened for must be gone, or this one could take it for its own.
+    // The match rules of earlier tests must be removed first.
     QTRY_COMPARE_WITH_TIMEOUT(ownRules(*service), QByteArrayList(), patienceMs);
 }
 
@@ -182,7 +182,7 @@ void tst_Signals::matchRulesLastAsLongAsConnections()
     QTRY_COMPARE_WITH_TIMEOUT(ownRules(*service), QByteArrayList(), patienceMs);
 }
 
-void tst_Signals::theRuleStaysUntilTheLastConnectionGoes()
+void tst_Signals::theRuleStaysUntilTheLastConnectionEnds()
 {
     QSignalSpy spy(proxy.get(), SIGNAL(SigUpdate(QString)));
     {

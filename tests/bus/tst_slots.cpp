@@ -81,7 +81,7 @@ void tst_Slots::slotsSendOrPrint_data()
           invoke("generateDbgLogCmd(std::string,std::string)", std::string("NO\xe9"),
                  std::string("LOG_XDSL, 0, \xe9")),
           "DbgLogCmd ss ('NO\xc3\xa9', 'LOG_XDSL, 0, \xc3\xa9')");
-    QTest::newRow("debug ids are printed one a line")
+    QTest::newRow("each debug id is printed on its own line")
         << invoke("callDbgLogGetIds()") << QByteArrayList { "DbgLogGetIds" }
         << QByteArray("LOG_XDSL\nLOG \xe9\n?\n");
 
@@ -136,9 +136,9 @@ void tst_Slots::notifySlotsDoNotWait_data()
     row("result start", invoke("notifyResultStart()"), "StartResultNotify");
     row("result stop", invoke("notifyResultStop()"), "StopResultNotify");
     row("result clear", invoke("notifyResultClear()"), "ClearResultNotifyList");
-    row("an added id travels as a list", invoke("notifyAdd(QString)", id),
+    row("an added id is sent as a list", invoke("notifyAdd(QString)", id),
         "AddToNotifyList as (['abc'],)");
-    row("a deleted id travels as a list", invoke("notifyDelete(QString)", id),
+    row("a deleted id is sent as a list", invoke("notifyDelete(QString)", id),
         "DeleteFromNotifyList as (['abc'],)");
     row("log start", invoke("notifyLogStart(QString)", id), "LogStartNotify s ('abc',)");
     row("log stop", invoke("notifyLogStop(QString)", id), "LogStopNotify s ('abc',)");

@@ -82,7 +82,7 @@ private:
     /// Sends the value, compares the wire with the text, and reads it back into a filled target.
     template <typename T> void roundTrip(const T &value, const char *wire, T target);
 
-    /// Sends what `make` makes of a great number and reads it back.
+    /// Sends the result of `make` for a large number and reads it back.
     template <typename T> void manyRoundTrip(const T &make);
 
     std::unique_ptr<FakeService> service;
