@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What each command prints, and how it ends, when there is no bus, when the bus refuses, and when
-// it stops or dies at some moment. Each test starts buses of its own.
+// it stops or dies at some moment. Each test starts its own buses.
 #include "tests/support/commandforms.h"
 #include "tests/support/cutbus.h"
 #include "tests/support/listening.h"
@@ -68,7 +68,7 @@ void failsAsItDoes(const CommandForm &form, Program &program)
     endsWith(program, form.failed, form.failedStatus);
 }
 
-/// Programs in their half second, each with a bus of its own, which then gets a signal.
+/// Programs in their half second, each with its own bus, which then gets a signal.
 class HalfSeconds
 {
 public:
@@ -141,14 +141,14 @@ private Q_SLOTS:
     void aMessageThatIsTooLong_data();
     void aMessageThatIsTooLong();
     void theMonitorPrintsAllAndEndsWithTheBus();
-    void theMonitorGoesOnWithTheBus();
+    void theMonitorContinuesWithTheBus();
     void aBusThatWithholdsASignal();
     void theHalfSecondAfterAnAnswer_data() { addBusEnds(); }
     void theHalfSecondAfterAnAnswer();
     void theHalfSecondAfterAnErrorLine_data() { addBusEnds(); }
     void theHalfSecondAfterAnErrorLine();
-    void aBusThatDiesOnACallThatNobodyWaitsFor();
-    void aBusThatStopsAfterACallThatNobodyWaitsFor();
+    void aBusThatDiesOnACallWithoutAWait();
+    void aBusThatStopsAfterACallWithoutAWait();
 
 private:
     static void noCommandConnects(const QByteArrayList &environment);
@@ -168,7 +168,7 @@ void tst_BusFailures::withoutABusNothingRuns_data()
 {
     QTest::addColumn<QByteArrayList>("environment");
     QTest::newRow("no address") << QByteArrayList();
-    QTest::newRow("nobody listens")
+    QTest::newRow("an address without a bus")
         << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent" };
     QTest::newRow("a text that is no address")
         << QByteArrayList { "DBUS_SESSION_BUS_ADDRESS=garbage" };
@@ -185,7 +185,7 @@ void tst_BusFailures::aBusThatRefusesConnections_data()
     QTest::addColumn<QByteArray>("rules");
     QTest::newRow("no user may connect")
         << QByteArray("<policy context='mandatory'><deny user='*'/></policy>");
-    QTest::newRow("no room for a connection")
+    QTest::newRow("no further connection is allowed")
         << QByteArray("<limit name='max_completed_connections'>0</limit>");
 }
 
@@ -208,7 +208,7 @@ void tst_BusFailures::aBusThatRefusesCalls_data()
         << QByteArray("<policy context='mandatory'><deny receive_interface='varn.pim' "
                       "receive_type='method_call'/></policy>")
         << false;
-    QTest::newRow("no replies may be awaited")
+    QTest::newRow("no reply may be pending")
         << QByteArray("<limit name='max_replies_per_connection'>0</limit>") << false;
     QTest::newRow("replies may not take long")
         << QByteArray("<limit name='reply_timeout'>100</limit>") << true;
@@ -233,7 +233,7 @@ void tst_BusFailures::aBusThatDiesAtTheStart_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("while it authenticates") << QByteArray("AUTH");
-    QTest::newRow("while it gives a name") << QByteArray("Hello");
+    QTest::newRow("while it assigns a unique name") << QByteArray("Hello");
     QTest::newRow("while it looks up the service") << QByteArray("GetNameOwner");
 }
 
@@ -260,7 +260,7 @@ void tst_BusFailures::aBusThatDiesWhileTheMonitorSubscribes()
     const PrivateBus bus;
     const FakeService service("com.varn.tul", bus.address);
     const CutBus dying(bus.address, text, CutBus::Cut::Close);
-    // Several, as they notice it at different moments.
+    // Several programs, because they notice it at different moments.
     Runs(std::vector<CommandForm>(20, monitorForm()), busEnvironment(dying.address))
         .forEach([](const CommandForm & /*form*/, Program &program) {
             QVERIFY(program.waitForEnd());
@@ -329,7 +329,7 @@ void tst_BusFailures::theMonitorPrintsAllAndEndsWithTheBus()
     QCOMPARE(program.status, 1);
 }
 
-void tst_BusFailures::theMonitorGoesOnWithTheBus()
+void tst_BusFailures::theMonitorContinuesWithTheBus()
 {
     const PrivateBus bus;
     FakeService service("com.varn.tul", bus.address);
@@ -390,7 +390,7 @@ void tst_BusFailures::theHalfSecondAfterAnErrorLine()
     halfSeconds.check();
 }
 
-void tst_BusFailures::aBusThatDiesOnACallThatNobodyWaitsFor()
+void tst_BusFailures::aBusThatDiesOnACallWithoutAWait()
 {
     const PrivateBus bus;
     FakeService service("com.varn.tul", bus.address);
@@ -403,7 +403,7 @@ void tst_BusFailures::aBusThatDiesOnACallThatNobodyWaitsFor()
     QCOMPARE(service.takeCalls(), QByteArrayList());
 }
 
-void tst_BusFailures::aBusThatStopsAfterACallThatNobodyWaitsFor()
+void tst_BusFailures::aBusThatStopsAfterACallWithoutAWait()
 {
     HalfSeconds halfSeconds(SIGSTOP);
     for (const CommandForm &form : firstForms()) {

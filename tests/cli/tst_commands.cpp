@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // All commands but GET, SET and SETARRAY through the built program: what is printed, what is sent,
-// and the status. What the table of command forms says is not repeated here.
+// and the status. These rows do not repeat the table of command forms.
 #include "tests/support/movrarun.h"
 
 #include <QTest>
@@ -8,7 +8,7 @@
 namespace
 {
 
-/// A timeout as it is typed and as it travels.
+/// An interval as it is typed and as it is sent.
 MovraRow timeoutRow(const char *name, const char *typed, const char *sent)
 {
     return sends(name, { "SERVERCMD", "SET_CFG_NOTIFY_TIMER", typed },
@@ -24,11 +24,11 @@ std::vector<MovraRow> rows()
               "DbgLogCmd ss ('SET', 'LOG_XDSL, 0, ENABLED')"),
         sends("DBG: word and value are not trimmed", { "DBG", " SET ", " x\t" },
               "DbgLogCmd ss (' SET ', ' x\\t')"),
-        asks("DBG: the content of a reply is dropped", { "DBG", "SET", "x" },
+        asks("DBG: the content of a reply is ignored", { "DBG", "SET", "x" },
              answers("DbgLogCmd", "('unasked', 1)"), "", "DbgLogCmd ss ('SET', 'x')"),
         sends("DBG: SET_REPORTING_LEVEL DEBUG3", { "DBG", "SET_REPORTING_LEVEL", "DEBUG3" },
               "DbgLogCmd ss ('SET_REPORTING_LEVEL', 'DEBUG3')"),
-        sends("DBG: SAVE_STOP drops a value that is typed", { "DBG", "SAVE_STOP", "now" },
+        sends("DBG: SAVE_STOP ignores a value that is typed", { "DBG", "SAVE_STOP", "now" },
               "DbgLogCmd ss ('SAVE_STOP', '')"),
         sends("DBG: the service decides about an unknown word", { "DBG", "NOSUCH", "x" },
               "DbgLogCmd ss ('NOSUCH', 'x')"),
@@ -51,8 +51,8 @@ std::vector<MovraRow> rows()
         asks("DBG: a refused unknown word", { "DBG", "NO%s\xe9", "x" }, refuses("DbgLogCmd"),
              "DBG NO%s\xe9   ERROR     err=\n", "DbgLogCmd ss ('NO%sé', 'x')"),
 
-        sends("NOTIFY: the id travels as a list of one", { "NOTIFY", "RESULT", "ADD", percent },
-              "AddToNotifyList as (['" + percent + "'],)"),
+        sends("NOTIFY: the id is sent as a list with one element",
+              { "NOTIFY", "RESULT", "ADD", percent }, "AddToNotifyList as (['" + percent + "'],)"),
         sends("NOTIFY: an empty id", { "NOTIFY", "CONFIG", "ADD", "" },
               "AddToNotifyList as ([''],)"),
         sends("NOTIFY: the id is Latin-1", { "NOTIFY", "CONFIG", "DEL", "\xe9\xc3\xa9" },
@@ -94,7 +94,7 @@ std::vector<MovraRow> rows()
              answers("ListResultIds", "(@as [],)"), "", "ListResultIds"),
         asks("LIST ignores further words", { "LIST", "RESULTS", "CONFIGS" },
              answers("ListResultIds", "(['r'],)"), "r\n", "ListResultIds"),
-        { "LIST CONFIGS: an error reply shows in the status alone",
+        { "LIST CONFIGS: only the status shows an error reply",
           { "@", "/", "LIST", "CONFIGS" },
           refuses("ListConfigIds"),
           error(3),
@@ -112,7 +112,7 @@ std::vector<MovraRow> rows()
              answers("SaveConfig", "(true,)"), "", "SaveConfig s ('éÃ©',)"),
         asks("FILE ignores further words", { "FILE", "SAVE", "a", "b" },
              answers("SaveConfig", "(true,)"), "", "SaveConfig s ('a',)"),
-        asks("FILE SAVE: an error reply shows in its line alone", { "FILE", "SAVE", "a" },
+        asks("FILE SAVE: only the line shows an error reply", { "FILE", "SAVE", "a" },
              refuses("SaveConfig"), "Reply Not Valid     err=\n", "SaveConfig s ('a',)"),
 
         asks("SERVERSTAT prints a bare number", { "SERVERSTAT" },
@@ -123,7 +123,7 @@ std::vector<MovraRow> rows()
              answers("DBusServerStatus", "(2147483647,)"), "2147483647\n", "DBusServerStatus"),
         asks("SERVERSTAT ignores further words", { "SERVERSTAT", "x", "y" },
              answers("DBusServerStatus", "(1,)"), "1\n", "DBusServerStatus"),
-        asks("ACTION without a value drops the content of the reply", { "ACTION", ":a:" },
+        asks("ACTION without a value ignores the content of the reply", { "ACTION", ":a:" },
              answers("DoAction", "('unasked', 1)"), "", "DoAction s (':a:',)"),
         asks("ACTION: an empty reply text is an empty line", { "ACTION", ":a:", "now" },
              answers("DoAction", "('',)"), "\n", "DoAction ss (':a:', 'now')"),
@@ -138,10 +138,10 @@ std::vector<MovraRow> rows()
              "x\n", "DoAction ss (':a:', '')"),
         asks("ACTION ignores words after the value", { "ACTION", ":a:", "1", "2", "3" },
              answers("DoAction", "('x',)"), "x\n", "DoAction ss (':a:', '1')"),
-        asks("ACTION: e acute typed in UTF-8 travels as two characters",
+        asks("ACTION: e acute typed in UTF-8 is sent as two characters",
              { "ACTION", "\xc3\xa9", "\xc3\xa9" }, answers("DoAction", "('Ã©',)"), "\xc3\xa9\n",
              "DoAction ss ('Ã©', 'Ã©')"),
-        asks("ACTION: a lone byte 0xe9 travels as e acute", { "ACTION", "\xe9", "a\xe9z" },
+        asks("ACTION: a lone byte 0xe9 is sent as e acute", { "ACTION", "\xe9", "a\xe9z" },
              answers("DoAction", "('é',)"), "\xe9\n", "DoAction ss ('é', 'aéz')"),
         sends("ACTION: the greatest byte", { "ACTION", "\xff" }, "DoAction s ('ÿ',)"),
         timeoutRow("SERVERCMD knows both timers", "250", "250"),
@@ -160,9 +160,9 @@ std::vector<MovraRow> rows()
         timeoutRow("SERVERCMD: beyond the least int is sent as 0", "-2147483649", "0"),
         timeoutRow("SERVERCMD: 2 to the 32nd is sent as 0", "4294967296", "0"),
         timeoutRow("SERVERCMD: a byte above 0x7f is sent as 0", "5\xe9", "0"),
-        asks("SERVERCMD prints nothing whatever the reply holds",
-             { "SERVERCMD", "SET_RES_NOTIFY_TIMER", "1" }, answers("DBusServerCmd", "('unasked',)"),
-             "", "DBusServerCmd sv ('SET_RES_NOTIFY_TIMER', <1>)"),
+        asks("SERVERCMD prints nothing of the reply", { "SERVERCMD", "SET_RES_NOTIFY_TIMER", "1" },
+             answers("DBusServerCmd", "('unasked',)"), "",
+             "DBusServerCmd sv ('SET_RES_NOTIFY_TIMER', <1>)"),
         sends("SERVERCMD ignores words after the timeout",
               { "SERVERCMD", "SET_RES_NOTIFY_TIMER", "1", "2" },
               "DBusServerCmd sv ('SET_RES_NOTIFY_TIMER', <1>)"),

@@ -46,22 +46,22 @@ std::vector<MovraRow> rows()
         { "a failed connection comes before an unknown word", { "com.varn.nobody", "/", "nope" },
           {}, notValid(""), {}, 1 },
 
-        { "the path travels as typed", { "@", "/a/b_1", "SERVERSTAT" }, answerStatus, "5\n",
+        { "the path is sent as typed", { "@", "/a/b_1", "SERVERSTAT" }, answerStatus, "5\n",
           { "/a/b_1 DBusServerStatus" }, 0 },
 
         sends("-h as an argument is an argument", { "ACTION", "-h" }, "DoAction s ('-h',)"),
         { "-H is a service", { "-H", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },
 
-        // QCoreApplication takes these words out of the vector.
+        // QCoreApplication removes these words from the vector.
         { "a debugger word in front changes nothing",
           { "-qmljsdebugger=x", "@", "/", "SERVERSTAT" }, answerStatus, "5\n",
           { "DBusServerStatus" }, 0 },
-        { "a debugger word takes the next one along",
+        { "a debugger word is removed with the next word",
           { "@", "-qmljsdebugger", "x", "/", "SERVERSTAT" }, answerStatus, "5\n",
           { "DBusServerStatus" }, 0 },
-        { "a command word that was taken out is an unknown word", { "@", "/", "-qmljsdebugger=x" },
+        { "a command word that was removed is an unknown word", { "@", "/", "-qmljsdebugger=x" },
           {}, unknownWord, {}, 1 },
-        { "a command word that went along is an unknown word",
+        { "a command word that was removed with it is an unknown word",
           { "@", "/", "-qmljsdebugger", "SERVERSTAT" }, answerStatus, unknownWord, {}, 1 },
         { "a path that was taken out is empty, and what went along does not come back",
           { "@", "-qmljsdebugger", "SERVERSTAT" }, answerStatus, unknownWord, {}, 1 },
@@ -115,7 +115,7 @@ void tst_Connection::theHalfSecond()
         QVERIFY2(whole.count() >= 500, forms[i].words.join(' ').constData());
         quickest = std::min(quickest, whole.count());
     }
-    // The limit is wide, and one run below it is enough, because machines are busy.
+    // One run below a wide limit is enough, because the machine may be busy.
     QVERIFY2(quickest < 10000, QByteArray::number(quickest).constData());
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// GET through the built program: forms, every type that a service may send, screen, wire and
+// GET through the built program: forms, every type that a service may send, output, calls and
 // status.
 #include "tests/support/movrarun.h"
 
@@ -18,7 +18,7 @@ struct Value {
     const char *id;
     const char *variant;
     std::string out;
-    const char *err = ""; ///< what Qt D-Bus says on standard error
+    const char *err = ""; ///< what Qt D-Bus prints on standard error
 };
 
 /// A signature value without types is legal, but Qt D-Bus warns.
@@ -79,11 +79,11 @@ const Value values[] = {
       "-9223372036854775808\n9223372036854775807\n" },
     { "no int64", ":a:int64ARRAY:", "@ax []", "" },
     { "a kind word may be anywhere in the id", "uint32ARRAY", "[uint32 7]", "7\n" },
-    { "texts print themselves whatever the kind", ":a:doubleARRAY:", "['1', 'b']", "1\nb\n" },
-    { "a plain value prints itself whatever the kind", ":a:doubleARRAY:", "5", "5\n" },
+    { "texts are printed with any kind word", ":a:doubleARRAY:", "['1', 'b']", "1\nb\n" },
+    { "a plain value is printed with any kind word", ":a:doubleARRAY:", "5", "5\n" },
     { "a stringARRAY of doubles is read as doubles", ":a:stringARRAY:", "[0.5]", "0.5\n" },
 
-    // Integers of the kind's width have the kind's sign.
+    // Integers of the width that the kind word names are printed with its sign.
     { "int32 on the wire, an unsigned kind", ":a:uint32ARRAY:", "[-1, 5]", "4294967295\n5\n" },
     { "uint32 on the wire, a signed kind", ":a:int32ARRAY:", "[uint32 4294967295]", "-1\n" },
     { "int64 on the wire, an unsigned kind", ":a:uint64ARRAY:", "[int64 -1]",
@@ -96,7 +96,7 @@ const Value values[] = {
       "-1\n" },
     { "a kind word in capitals is none", ":a:DOUBLEARRAY:uint32array:", "[-1]", "-1\n" },
 
-    // Other numbers print as what they are, anything else prints nothing.
+    // Other numbers are printed as their own type. Other elements are not printed.
     { "int32 without a kind word", "x", "[1, -2]", "1\n-2\n" },
     { "uint32 for doubles", ":a:doubleARRAY:", "[uint32 4294967295]", "4294967295\n" },
     { "uint64 for int32", ":a:int32ARRAY:", "[uint64 18446744073709551615]",
@@ -154,12 +154,12 @@ std::vector<MovraRow> forms()
              "GetStatus s ('',)"),
         asks("a record in pieces is a failed call", { "GET", "VAL_STAT", ":x:" },
              answers("GetValueStatus", "(':x:', <1>, 2)"), failed, "GetValueStatus s (':x:',)"),
-        asks("the id: e acute typed in UTF-8 travels as two characters", { "GET", "\xc3\xa9" },
+        asks("the id: e acute typed in UTF-8 is sent as two characters", { "GET", "\xc3\xa9" },
              text, "t\n", "GetValue s ('Ã©',)"),
         asks("the id is not trimmed", { "GET", " x\t" }, text, "t\n", "GetValue s (' x\\t',)"),
         asks("the id after a sub-word is not trimmed", { "GET", "STATUS", " x\t" }, status, "-7\n",
              "GetStatus s (' x\\t',)"),
-        asks("the id: a lone byte 0xe9 travels as e acute", { "GET", "VALUE", "\xe9" }, text, "t\n",
+        asks("the id: a lone byte 0xe9 is sent as e acute", { "GET", "VALUE", "\xe9" }, text, "t\n",
              "GetValue s ('é',)"),
     };
 }

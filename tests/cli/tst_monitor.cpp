@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// SIG through the built program: what the monitor prints, what it does not, and how it ends.
+// SIG through the built program: what the monitor prints, what it ignores, and how it ends.
 #include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
 #include "tests/support/patience.h"
@@ -38,12 +38,12 @@ private Q_SLOTS:
     void nothingIsAskedOfTheService();
     void wordsAfterSigAreIgnored();
     void oneWarningOnStandardError();
-    void theServiceMayGoAndComeBack();
+    void theServiceMayStopAndReturn();
     void signalsEndIt_data();
     void signalsEndIt();
-    void aReaderThatLeftEndsIt();
+    void aClosedPipeEndsIt();
     void noSignalIsCaught();
-    void linesAreOutOnAFileToo();
+    void linesAreWrittenToAFileAtOnce();
     void anEmptyPathReceivesEveryPath();
     void aMonitorWithoutAServiceStays_data();
     void aMonitorWithoutAServiceStays();
@@ -135,7 +135,7 @@ void tst_Monitor::theFirstSignalsKeepTheirOrder_data()
 
 void tst_Monitor::theFirstSignalsKeepTheirOrder()
 {
-    // So many at once delay each other, and more signals arrive while they start.
+    // Many monitors delay each other, so that more signals arrive while they start.
     constexpr int count = 16;
     std::vector<std::unique_ptr<Program>> monitors;
     for (int each = 0; each < count; ++each) {
@@ -226,7 +226,7 @@ void tst_Monitor::oneWarningOnStandardError()
 #endif
 }
 
-void tst_Monitor::theServiceMayGoAndComeBack()
+void tst_Monitor::theServiceMayStopAndReturn()
 {
     start();
     service->emitSignal("SigAlarm", "('before',)");
@@ -265,7 +265,7 @@ void tst_Monitor::signalsEndIt()
     QCOMPARE(monitor->status, 256 + signal);
 }
 
-void tst_Monitor::aReaderThatLeftEndsIt()
+void tst_Monitor::aClosedPipeEndsIt()
 {
     start();
     monitor->leaveOutput();
@@ -295,7 +295,7 @@ void tst_Monitor::noSignalIsCaught()
     }
 }
 
-void tst_Monitor::linesAreOutOnAFileToo()
+void tst_Monitor::linesAreWrittenToAFileAtOnce()
 {
     const QTemporaryDir directory;
     const QString path = directory.filePath(QStringLiteral("lines"));
@@ -333,7 +333,7 @@ void tst_Monitor::aMonitorWithoutAServiceStays_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QByteArray>("path");
-    QTest::newRow("a unique name that nobody has") << QByteArray(":1.999999") << QByteArray("/");
+    QTest::newRow("a unique name without an owner") << QByteArray(":1.999999") << QByteArray("/");
     QTest::newRow("an empty path") << QByteArray("com.varn.tul") << QByteArray();
 }
 
@@ -344,7 +344,7 @@ void tst_Monitor::aMonitorWithoutAServiceStays()
     monitor = std::make_unique<Program>(MOVRA_PROGRAM, QByteArrayList { name, path, "SIG" },
                                         busEnvironment());
     QVERIFY(waitUntilListening(*service, 1, name));
-    // A run that begins now ends after the half second that any other command has.
+    // This run ends after the half second of any other command.
     Program last(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" }, busEnvironment());
     QVERIFY(last.waitForEnd());
     QVERIFY(monitor->runs());

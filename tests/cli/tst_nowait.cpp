@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Runs that end without the half second. The one test that looks at the clock for being quick, so
-// that it runs while no other does.
+// Runs that end without the half second. Only this test measures that a run is short, so it runs
+// alone.
 #include "tests/support/movrarun.h"
 
 #include <QTest>

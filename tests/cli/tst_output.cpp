@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Standard output that cannot be written: a failed write is not reported and changes no status, and
-// a pipe whose reader left ends the program with SIGPIPE. A non-blocking one receives everything.
+// a pipe without a reader ends the program with SIGPIPE. A non-blocking one receives everything.
 #include "tests/support/listening.h"
 #include "tests/support/movrarun.h"
 
@@ -21,8 +21,8 @@ class tst_Output : public QObject
 private Q_SLOTS:
     void whatIsPrintedIsLost_data();
     void whatIsPrintedIsLost();
-    void theMonitorGoesOn_data();
-    void theMonitorGoesOn();
+    void theMonitorContinues_data();
+    void theMonitorContinues();
     void aMonitorWithoutAnyStreamListens();
     void nonBlockingOutputReceivesAll_data();
     void nonBlockingOutputReceivesAll();
@@ -103,14 +103,14 @@ void tst_Output::whatIsPrintedIsLost()
     QCOMPARE(program.status, status);
 }
 
-void tst_Output::theMonitorGoesOn_data()
+void tst_Output::theMonitorContinues_data()
 {
     QTest::addColumn<Program::Output>("output");
     QTest::newRow("no standard output") << Program::Output::Closed;
     QTest::newRow("a full device") << Program::Output::Full;
 }
 
-void tst_Output::theMonitorGoesOn()
+void tst_Output::theMonitorContinues()
 {
     QFETCH(Program::Output, output);
     FakeService service;
@@ -119,7 +119,7 @@ void tst_Output::theMonitorGoesOn()
     for (int i = 0; i < 100; ++i) {
         service.emitSignal("SigInfo", "('a line that is longer than a number of eight bytes',)");
     }
-    // A run that begins now ends after all of them.
+    // This run ends after all of them.
     Program last(MOVRA_PROGRAM, { "com.varn.tul", "/", "SERVERSTAT" }, busEnvironment());
     QVERIFY(last.waitForEnd());
     QVERIFY(monitor.runs());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Requests that the program refuses by itself: one error line, the status, and nothing is sent.
-// What each must end with is in the table of command forms.
+// The table of command forms has their outcomes.
 #include "tests/support/commandforms.h"
 #include "tests/support/movrarun.h"
 

@@ -12,13 +12,13 @@
 namespace
 {
 
-/// How far the runs of a state get. A reply of another type is a failed call only for the forms
+/// The outcome of the runs in a state. A reply of another type is a failed call only for the forms
 /// that read the reply.
 enum class Outcome { NotConnected, NotSent, Failed, OtherType, Answered };
 
 struct State {
     const char *name;
-    QByteArray service; ///< "@" stands for the run's own
+    QByteArray service; ///< "@": the service of the run
     QByteArray path;
     Outcome outcome;
     QByteArray text; ///< after `error:`, or after `err=`
@@ -48,7 +48,7 @@ const std::vector<State> &states()
         { "a malformed name", "a..b", "/", Is::NotConnected, "Invalid service name: a..b" },
         { "a malformed path", "@", "no/slash", Is::NotConnected, "Invalid object path: no/slash" },
         { "an empty path", "@", "", Is::NotSent, "Object path cannot be empty" },
-        { "gone before the call", ":1.999999", "/", Is::NotSent, "" },
+        { "a service that has left before the call", ":1.999999", "/", Is::NotSent, "" },
         { "no such object", "@", "/", Is::Failed, "", refuses("UnknownObject") },
         { "nothing at that path", "@", "/nothing/here", Is::Failed, "", refuses("UnknownObject") },
         { "no such interface", "@", "/", Is::Failed, "", refuses("UnknownInterface") },
@@ -109,7 +109,7 @@ std::vector<MovraRow> rows()
         for (const CommandForm &form : commandForms()) {
             table.push_back(rowOf(state, form));
         }
-        // The monitor calls nothing, so nothing but the connection can fail it.
+        // The monitor calls nothing, so that only its connection can fail.
         if (state.outcome == Outcome::NotConnected) {
             table.push_back(rowOf(state, monitorForm()));
         }

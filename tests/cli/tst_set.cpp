@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// SET and SETARRAY through the built program: screen, wire and status.
+// SET and SETARRAY through the built program: output, calls and status.
 #include "tests/support/movrarun.h"
 
 #include <QTest>
@@ -7,19 +7,19 @@
 namespace
 {
 
-/// A record as it travels: the id and the variant, both as GVariant text.
+/// A record as it is sent: the id and the variant, both as GVariant text.
 QByteArray record(const QByteArray &id, const QByteArray &variant)
 {
     return "SetValue a(sv) ([('" + id + "', <" + variant + ">)],)";
 }
 
-/// A SETARRAY that is accepted: what is typed from the id on, and what travels in the variant.
+/// A SETARRAY that is accepted: what is typed from the id on, and what the variant contains.
 MovraRow arrayRow(const char *name, const QByteArrayList &typed, const char *sent)
 {
     return sends(name, QByteArrayList { "SETARRAY" } + typed, record(typed.first(), sent));
 }
 
-/// A SETARRAY that is refused: what is typed from the id on, and the length in a line of its own.
+/// A SETARRAY that is refused: what is typed from the id on, and the printed length.
 MovraRow unsupported(const char *name, const QByteArrayList &typed, const QByteArray &length = {})
 {
     const QByteArray line =
@@ -171,10 +171,12 @@ void tst_Set::oneMoreThanTheGreatestLength()
 
 void tst_Set::aLengthBeyondTheValuesReadsTheEnvironment_data()
 {
-    QTest::addColumn<QByteArrayList>("takenOut"); ///< by QCoreApplication, before the handler runs
+    QTest::addColumn<QByteArrayList>(
+        "takenOut"); ///< removed by QCoreApplication before the handler runs
     QTest::addColumn<QByteArray>("id");
     QTest::addColumn<QByteArrayList>("lengthAndValues");
-    QTest::addColumn<QByteArray>("sent"); ///< %BUS% stands for the environment's first entry
+    QTest::addColumn<QByteArray>(
+        "sent"); ///< %BUS% is replaced by the first entry of the environment
 
     const auto row = [](const char *name, const QByteArrayList &takenOut, const char *id,
                         const QByteArrayList &lengthAndValues, const char *sent) {
@@ -182,18 +184,15 @@ void tst_Set::aLengthBeyondTheValuesReadsTheEnvironment_data()
     };
     row("one more than given reads the null at the end of the vector", {},
         ":x:stringARRAY:", { "2", "wifi" }, "['wifi']");
-    row("the null is a position of its own", {}, ":x:stringARRAY:", { "3", "wifi" },
-        "['wifi', '%BUS%']");
-    row("as far as the length goes", {}, ":x:stringARRAY:", { "4", "wifi" },
-        "['wifi', '%BUS%', 'A=1']");
+    row("the null is one position", {}, ":x:stringARRAY:", { "3", "wifi" }, "['wifi', '%BUS%']");
+    row("up to the length", {}, ":x:stringARRAY:", { "4", "wifi" }, "['wifi', '%BUS%', 'A=1']");
     row("up to the end of the environment", {}, ":x:stringARRAY:", { "512", "wifi", "bt" },
         "['wifi', 'bt', '%BUS%', 'A=1', 'B=é']");
     row("variables are no numbers", {}, ":x:int32ARRAY:", { "512", "7" }, "[7, 0, 0, 0]");
-    row("a word that was taken out leaves one more null", { "-qmljsdebugger=x" },
+    row("a removed word leaves one more null", { "-qmljsdebugger=x" },
         ":x:stringARRAY:", { "512", "wifi", "bt" }, "['wifi', 'bt', '%BUS%', 'A=1', 'B=é']");
-    row("two words that were taken out leave a stale one and one more null",
-        { "-qmljsdebugger", "x" }, ":x:stringARRAY:", { "512", "wifi", "bt" },
-        "['wifi', 'bt', 'bt', '%BUS%', 'A=1', 'B=é']");
+    row("two removed words leave a stale one and one more null", { "-qmljsdebugger", "x" },
+        ":x:stringARRAY:", { "512", "wifi", "bt" }, "['wifi', 'bt', 'bt', '%BUS%', 'A=1', 'B=é']");
 }
 
 void tst_Set::aLengthBeyondTheValuesReadsTheEnvironment()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A monitor whose output nobody reads: the bus keeps the further signals, and signals, a closed
+// A monitor whose output is not read: the bus keeps the further signals. System signals, a closed
 // pipe and the end of the bus end it like any other monitor.
 #include "tests/endurance/numberedsignals.h"
 #include "tests/support/listening.h"
@@ -19,9 +19,9 @@ private Q_SLOTS:
     void init();
     void signalsEndTheMonitor_data();
     void signalsEndTheMonitor();
-    void aReaderThatLeavesEndsTheMonitor();
+    void aClosedPipeEndsTheMonitor();
     void theMonitorPrintsWhatItHasWhenTheBusDies();
-    void theMonitorGoesOnWithItsReader();
+    void theMonitorContinuesWithItsReader();
 
 private:
     std::unique_ptr<PrivateBus> bus;
@@ -32,7 +32,7 @@ private:
 namespace
 {
 
-// More than the monitor takes off the bus.
+// More than the monitor reads from the bus.
 constexpr int many = 15000;
 
 } // namespace
@@ -69,7 +69,7 @@ void tst_StalledReader::signalsEndTheMonitor()
     QCOMPARE(monitor->status, 256 + signal);
 }
 
-void tst_StalledReader::aReaderThatLeavesEndsTheMonitor()
+void tst_StalledReader::aClosedPipeEndsTheMonitor()
 {
     monitor->leaveOutput();
     QVERIFY(monitor->waitForEnd());
@@ -92,7 +92,7 @@ void tst_StalledReader::theMonitorPrintsWhatItHasWhenTheBusDies()
     QVERIFY(monitor->out == expected);
 }
 
-void tst_StalledReader::theMonitorGoesOnWithItsReader()
+void tst_StalledReader::theMonitorContinuesWithItsReader()
 {
     QVERIFY(monitor->waitForLines(many));
     service->emitSignal("SigInfo", "('last',)");

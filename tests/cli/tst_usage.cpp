@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The usage text, to the letter, and the ways to ask for it. There is no bus here.
+// The exact usage text, and the words that ask for it. There is no bus.
 #include "tests/support/program.h"
 
 #include <QTest>

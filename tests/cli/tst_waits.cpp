@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A command without an answer, and both programs on a bus that does not respond at the start, give
-// up after 25 seconds.
+// A command without an answer ends after 25 seconds. So do both programs on a bus that does not
+// respond at the start.
 #include "tests/support/commandforms.h"
 #include "tests/support/cutbus.h"
 #include "tests/support/movrarun.h"
@@ -93,10 +93,10 @@ class tst_Waits : public QObject
 
 private Q_SLOTS:
     // One test, so that all programs wait at the same time.
-    void whoWaitsAndForHowLong();
+    void commandsThatWaitEndAfter25Seconds();
 };
 
-void tst_Waits::whoWaitsAndForHowLong()
+void tst_Waits::commandsThatWaitEndAfter25Seconds()
 {
     const PrivateBus stopped;
     FakeService onStopped("com.varn.tul", stopped.address);
