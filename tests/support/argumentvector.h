@@ -38,7 +38,7 @@ struct Outcome {
     QByteArray err;
 };
 
-/// Looks the command word up and calls its handler, as the entry point does; adds the line that the
+/// Looks up the command word and calls its handler, as the entry point does. Adds the line that the
 /// entry point prints about a status.
 Outcome callHandler(Movra &movra, char **argv);
 

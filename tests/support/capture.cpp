@@ -12,7 +12,7 @@
 namespace
 {
 
-/// What is written to a descriptor while the action runs.
+/// The bytes that are written to a descriptor while the action runs.
 QByteArray capture(int descriptor, std::FILE *stream, const std::function<void()> &action)
 {
     QFile file;

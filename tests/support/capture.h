@@ -6,7 +6,7 @@
 
 #include <functional>
 
-/// Runs the action and returns what it wrote to standard output, whichever way it wrote.
+/// Runs the action and returns what it wrote to standard output, with any function.
 QByteArray captureOutput(const std::function<void()> &action);
 
 /// The same for standard error.

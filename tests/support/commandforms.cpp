@@ -33,8 +33,7 @@ CommandForm refused(const char *name, int status)
     return form(name, "", "", "", "", error(status), status);
 }
 
-/// Of several forms that fit, the first is meant. A known command with words that fit none has
-/// status 3.
+/// The first form that fits is used. A known command with words that fit no form has status 3.
 const std::vector<CommandForm> &allForms()
 {
     static const QByteArray getFailed = "Reply Not Valid   err=\n";

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Every command form: what is typed, what it sends, and what it prints when its call succeeds and
-// when it fails. The same table says what the commands refuse.
+// when it fails. The table also has the requests that the commands reject.
 #pragma once
 
 #include <QByteArray>
@@ -16,12 +16,12 @@ struct CommandForm {
     /// `CONFIG*S`, and every other word must be typed exactly. Further words change nothing.
     const char *name;
     QByteArrayList words; ///< an example: the pattern without its signs
-    QByteArray call; ///< what reaches the service; empty for a refused request and for SIG
+    QByteArray call; ///< what reaches the service; empty for a rejected request and for SIG
     QByteArray member; ///< of the call
     QByteArray answer; ///< of the service, in GVariant text
     QByteArray signature; ///< of the answer; a call whose answer does not begin with it has failed
     QByteArray out; ///< printed after that answer; the status is 0
-    QByteArray failed; ///< printed after a failed call, or for a refused request
+    QByteArray failed; ///< printed after a failed call, or for a rejected request
     int failedStatus;
     bool waits; ///< for its reply; the outcome of the other forms does not depend on the reply
 };
@@ -32,7 +32,7 @@ const std::vector<CommandForm> &commandForms();
 /// The first form of each command.
 std::vector<CommandForm> firstForms();
 
-/// The same of those commands that wait.
+/// The first form of each command that waits.
 std::vector<CommandForm> firstFormsThatWait();
 
 /// SIG, which sends no call and prints only signals.
@@ -41,11 +41,11 @@ const CommandForm &monitorForm();
 /// All command words, in the order of the command table.
 QByteArrayList commandWords();
 
-/// The form that fits the words after service and path; it has no call if they are refused.
+/// The form that fits the words after service and path; it has no call if they are rejected.
 CommandForm formOf(const QByteArrayList &words);
 
-/// What is typed for a form, to the service "com.varn.tul" at "/".
+/// The arguments for a form, with the service "com.varn.tul" at "/".
 QByteArrayList requestOf(const CommandForm &form);
 
-/// Sets the service's answer to every form.
+/// Sets the answer of the service to every form.
 void answerAll(FakeService &service);

@@ -13,7 +13,7 @@
 class CutBus
 {
 public:
-    /// What happens then: the connection is closed, or no more bytes are forwarded.
+    /// The failure: the connection is closed, or no more bytes are forwarded.
     enum class Cut { Close, Silence };
 
     /// `bus` is the address of the real bus; every program sends the empty text. Throws

@@ -229,8 +229,8 @@ FakeService::FakeService(const QByteArray &name, const QByteArray &bus, Ownershi
 
 FakeService::~FakeService()
 {
-    // The bus may notice a closed connection later than it handles the next service, which would
-    // find the name taken. Errors do not matter: no service follows on a bus that has failed.
+    // The bus may handle the next service before it notices the closed connection. The name would
+    // still be taken. Errors do not matter: no service follows on a bus that has failed.
     const Value reply(g_dbus_connection_call_sync(
         d->connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
         "ReleaseName", g_variant_new("(s)", d->name.constData()), nullptr, G_DBUS_CALL_FLAGS_NONE,
@@ -324,7 +324,7 @@ void FakeService::emitSignal(const QByteArray &member, const QByteArray &body,
 
 void FakeService::waitUntilSent() const
 {
-    // The bus handles what one connection sends in order: its answer means that it has the signals.
+    // The bus handles the messages of a connection in order: the reply follows the signals.
     (void)d->callBus("org.freedesktop.DBus", "GetId", nullptr);
 }
 

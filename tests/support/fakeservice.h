@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A service for tests that is not Qt: it records every call as text and answers what a test says,
-// lies included. It lives on a connection and a thread of its own, so a test may block.
+// A service for tests without Qt. It records every call as text and sends the answers that a test
+// sets, which may be wrong. It has its own connection and thread, so that a test may block.
 #pragma once
 
 #include <QByteArray>
@@ -13,7 +13,7 @@ class FakeService
 public:
     enum class Ownership { Sole, Shared };
     /// Owns the name on the session bus, or on the one at the address; throws std::runtime_error
-    /// if it cannot. A name that is shared goes to whoever took it last.
+    /// if it cannot. A shared name belongs to the service that took it last.
     explicit FakeService(const QByteArray &name = "com.varn.tul",
                          const QByteArray &bus = qgetenv("DBUS_SESSION_BUS_ADDRESS"),
                          Ownership ownership = Ownership::Sole);
@@ -24,20 +24,20 @@ public:
     FakeService &operator=(const FakeService &) = delete;
 
     /// From now on answers calls of the member with a body in GVariant text, always a tuple:
-    /// `(<[uint32 1, 2]>,)`. A member that no test speaks of is answered with `()`, and the member
-    /// "Echo" with what it was sent.
+    /// `(<[uint32 1, 2]>,)`. Without this the answer is `()`. The member "Echo" is answered with
+    /// its own arguments.
     void answer(const QByteArray &member, const QByteArray &body);
     /// The same, but sends the reply twice.
     void answerTwice(const QByteArray &member, const QByteArray &body);
     /// From now on answers calls of the member with an error.
     void refuse(const QByteArray &member, const QByteArray &errorName, const QByteArray &message);
-    /// The same with any body in GVariant text, where an honest error has one string.
+    /// The same with any body in GVariant text. A correct error has one string.
     void refuseWith(const QByteArray &member, const QByteArray &errorName, const QByteArray &body);
     /// From now on leaves calls of the member without an answer.
     void ignore(const QByteArray &member);
-    /// Leaves the bus when the member is called, without an answer.
+    /// Closes the connection without an answer when the member is called.
     void leaveOn(const QByteArray &member);
-    /// Leaves the bus right after the next answer.
+    /// Closes the connection after the next answer.
     void leaveAfterAnswer();
 
     /// Takes a shared name back.
@@ -51,17 +51,17 @@ public:
     QByteArrayList waitForCalls(int count);
 
     enum class After { Wait, MoreFollows };
-    /// Broadcasts a signal with a body in GVariant text, and waits until the bus has it unless more
-    /// is to follow.
+    /// Broadcasts a signal with a body in GVariant text. Waits until the bus has it, unless further
+    /// signals follow.
     void emitSignal(const QByteArray &member, const QByteArray &body, const QByteArray &path = "/",
                     const QByteArray &interface = "varn.pim", After after = After::Wait);
     /// Waits until the bus has all that was emitted.
     void waitUntilSent() const;
 
-    /// The match rules that anybody holds at the bus for signals of a service (by its name).
+    /// The match rules of all connections for signals of a service (by its name).
     QByteArrayList matchRules(const QByteArray &service) const;
-    /// Waits until everybody who holds such a rule has taken off the bus what was emitted before;
-    /// false if somebody does not answer before `patience` is over.
+    /// Waits until every connection with such a rule has read all earlier signals from the bus;
+    /// false if one of them does not answer before `patience` is over.
     bool waitUntilTaken(const QByteArray &service) const;
 
 private:

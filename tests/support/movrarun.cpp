@@ -91,7 +91,7 @@ void MovraRows::addTestData() const
 
 void MovraRows::check(int index)
 {
-    // Earlier rows that were not started are not selected: somebody runs this row alone.
+    // Earlier rows that were not started are not selected, for example when one row runs alone.
     const auto first = static_cast<std::size_t>(index);
     const std::size_t last = std::min(first + sideBySide, rows.size());
     for (started = std::max(started, first); started < last; ++started) {

@@ -17,10 +17,10 @@
 /// The variables that a program under test inherits: the locale and the options of the sanitizers.
 QByteArrayList baseEnvironment();
 
-/// The same with the address of a bus, which is the test's own by default.
+/// The same with the address of a bus, by default that of the test.
 QByteArrayList busEnvironment(const QByteArray &bus = qgetenv("DBUS_SESSION_BUS_ADDRESS"));
 
-/// What the service of a row is told before the program starts.
+/// Prepares the service of a row before the program starts.
 using Prepare = std::function<void(FakeService &)>;
 
 /// The service answers a member with a body in GVariant text.
@@ -48,8 +48,7 @@ MovraRow asks(const QByteArray &name, const QByteArrayList &typed, const Prepare
 /// The same with a service that accepts the call; nothing is printed.
 MovraRow sends(const QByteArray &name, const QByteArrayList &typed, const QByteArray &call);
 
-/// Starts the next rows together with the one that is asked for, so that their half seconds
-/// overlap.
+/// Starts the next rows together with the selected one, so that their half seconds overlap.
 class MovraRows
 {
 public:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The client object with its fields in sight.
+// The client object with public fields.
 #pragma once
 
 #include "app/movra.h"

@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-/// How long a test waits for one event. Only a failing test waits that long, so that the limit can
-/// allow for a busy machine.
+/// How long a test waits for one event. Only a failing test waits so long, so that the limit can be
+/// large enough for a busy machine.
 constexpr std::chrono::seconds patience { 60 };
 
 /// The same for QTRY_..._WITH_TIMEOUT and QTest::qWaitFor().

@@ -17,8 +17,8 @@
 class Program
 {
 public:
-    /// What standard output is: a pipe that the test reads; one without a reader; a non-blocking
-    /// pipe or socket that the test reads; a full device; a closed descriptor.
+    /// The kind of standard output: a pipe that the test reads; one without a reader; a
+    /// non-blocking pipe or socket that the test reads; a full device; a closed descriptor.
     enum class Output { Read, LeftPipe, NonBlockingPipe, NonBlockingSocket, Full, Closed };
 
     /// Starts the program, found on the PATH unless it is named with a slash. `arguments` begins
@@ -34,7 +34,7 @@ public:
     bool waitForLines(int count);
     /// Reads until standard output ends with this line; false if it ends or `patience` is over.
     bool waitForLastLine(const QByteArray &line);
-    /// Empties `out`, and counts lines anew.
+    /// Empties `out` and sets the count of its lines to zero.
     void forgetOutput();
     pid_t processId() const { return pid; }
     /// Sends the program a signal.
@@ -52,7 +52,7 @@ public:
     QByteArray err; ///< standard error so far
     int status = -1; ///< exit status, or the number of the signal that ended it plus 256
     std::chrono::steady_clock::time_point started; ///< a moment before the program began
-    std::chrono::steady_clock::time_point ended; ///< when the program was seen to have ended
+    std::chrono::steady_clock::time_point ended; ///< when the test noticed its end
 
 private:
     /// Waits for output, or for the end of both streams; false at the deadline.
