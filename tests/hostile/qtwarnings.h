@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a service can make Qt D-Bus write to standard error.
+// Warnings of Qt D-Bus on standard error that a service can cause.
 #pragma once
 
 #include <QByteArray>
@@ -9,5 +9,5 @@
 void showQtWarnings();
 
 /// The text without the lines of the two warnings that are allowed: about a signature value without
-/// types, which is legal on the bus, and about a name that changed hands while its owner was asked.
+/// types, which is legal on the bus, and about a name whose owner changed while it was looked up.
 QByteArray withoutAllowedWarnings(const QByteArray &errors);

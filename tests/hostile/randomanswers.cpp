@@ -24,7 +24,7 @@ void answerAtRandom(FakeService &service, const QByteArray &member, const QByteA
     RandomReplies replies(static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1)));
     for (int left = countOf(answers); left > 0 && !QTest::currentTestFailed(); --left) {
         if (answers == Answers::Errors) {
-            // A proper error carries one string.
+            // A correct error contains one string.
             const RandomReply reply = replies.next("s");
             const QByteArray name = replies.errorName();
             service.refuseWith(member, name, reply.text);

@@ -16,9 +16,9 @@ enum class Answers {
 };
 
 /// Sets one random answer after the other for a member whose replies should begin with the
-/// signature, and calls `check` each time with the answer and whether it must be taken. Ends early
-/// when the test has failed. The seed begins anew each time, so one row alone repeats what it did
-/// among others.
+/// signature, and calls `check` each time with the answer and whether the client must accept it.
+/// Ends early when the test has failed. Each call starts with the seed, so that a row does the same
+/// alone as with others.
 void answerAtRandom(FakeService &service, const QByteArray &member, const QByteArray &signature,
                     Answers answers,
                     const std::function<void(bool taken, const QByteArray &answer)> &check);

@@ -11,12 +11,12 @@ namespace
 constexpr int deepest = 6; // levels, except in deep values
 
 // D-Bus allows arrays in arrays and structures in structures up to these levels, and 64 levels in
-// all; a few are left for what is around.
+// all. The message around them needs a few.
 constexpr int deepestArray = 31;
 constexpr int deepestStructure = 30;
 constexpr int deepestVariant = 60;
 
-/// A number that fits the type at its edge.
+/// An extreme number of the type.
 QByteArray extreme(char code)
 {
     switch (code) {
@@ -76,7 +76,7 @@ RandomReplies::RandomReplies(unsigned seed)
 
 int RandomReplies::pick(int most)
 {
-    // Not a distribution of the library's: those differ from one library to the next.
+    // The distributions of the standard libraries differ.
     return static_cast<int>(source() % (static_cast<unsigned>(most) + 1));
 }
 
@@ -150,7 +150,7 @@ QByteArray RandomReplies::value(const QByteArray &signature, int &from, int dept
                 : deep(pick(deepestArray), pick(deepestStructure), 0);
             return "<@" + inner.signature + " " + inner.text + ">";
         }
-        // The content of a variant has a type of its own.
+        // The content of a variant has its own type.
         const QByteArray inner = type(depth + 1);
         int position = 0;
         return "<@" + inner + " " + value(inner, position, depth + 1) + ">";
@@ -158,7 +158,7 @@ QByteArray RandomReplies::value(const QByteArray &signature, int &from, int dept
     case 'a': {
         const int element = from;
         const bool isMap = signature.at(element) == '{';
-        // Long ones are flat, or they would multiply.
+        // Long arrays are flat. Nested ones would be too large.
         const bool isLong = std::strchr("av({", signature.at(element)) == nullptr && pick(30) == 0;
         QByteArrayList elements;
         for (int count = isLong ? 1000 : pick(3); count > 0; --count) {

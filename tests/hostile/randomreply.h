@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Replies that no proper service sends: a random signature, and values that fit it.
+// Replies that no correct service sends: a random signature, and values that fit it.
 #pragma once
 
 #include <QByteArray>
@@ -17,8 +17,8 @@ class RandomReplies
 {
 public:
     explicit RandomReplies(unsigned seed);
-    /// A body of up to three values. Now and then it begins with `usual`, so that not every
-    /// reply fails by its signature.
+    /// A body of up to three values. Sometimes it begins with `usual`, so that not every reply
+    /// fails because of its signature.
     RandomReply next(const QByteArray &usual);
     /// The name of an error, up to the 255 bytes that D-Bus allows.
     QByteArray errorName();

@@ -37,7 +37,7 @@ QByteArray faultOf(const CommandForm &request, const Outcome &outcome, bool take
     if (!complaints.isEmpty()) {
         return "on standard error: " + complaints.left(2000);
     }
-    // Of some answers nothing is shown, whatever they are.
+    // Some forms print nothing of their reply.
     const bool shown = !request.out.isEmpty();
     if (taken ? !shown && !outcome.out.isEmpty() : outcome.out != request.failed) {
         return "on standard output: " + outcome.out.left(2000);

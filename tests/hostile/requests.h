@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Every request that calls the service, and what must hold whatever the service answers.
+// Every request that calls the service, and the conditions for its outcome with any reply.
 #pragma once
 
 #include "tests/support/argumentvector.h"
@@ -13,6 +13,6 @@
 /// Every command form, and GET with ids of several kinds of array.
 const std::vector<CommandForm> &requests();
 
-/// Says what is wrong with an outcome, or nothing: status, standard error, and on standard output
-/// what every reply that was taken, or was not, must lead to.
+/// Returns what is wrong with an outcome, or nothing. Checks the status, standard error, and
+/// standard output for an accepted or a failed reply.
 QByteArray faultOf(const CommandForm &request, const Outcome &outcome, bool taken);

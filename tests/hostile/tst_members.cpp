@@ -17,15 +17,15 @@ namespace
 struct Member {
     const char *name;
     const char *signature; ///< of the answer
-    std::function<bool(KorAppInterface &)> answered; ///< waits, reads the answer, says if it fits
+    std::function<bool(KorAppInterface &)> answered; ///< waits, reads and checks the answer
 };
 
 template <typename Value> bool read(QDBusPendingReply<Value> reply)
 {
     reply.waitForFinished();
     if (reply.isValid()) {
-        // Reading is the attack: it runs the operators on whatever came. Qt D-Bus does not check
-        // the types of errors, so the value of one must not be read.
+        // Reading runs the operators on the received values. Qt D-Bus does not check the types of
+        // an error, so that its value must not be read.
         (void)reply.value();
     }
     return reply.isValid();
@@ -102,7 +102,7 @@ private:
     static void addMembers();
     /// Answers the row at random.
     void attack(Answers answers);
-    /// Calls the member; the reply was taken or it was not.
+    /// Calls the member; the client accepts the reply or not.
     void check(const Member &member, bool taken, const QByteArray &reply);
 
     std::unique_ptr<FakeService> service;

@@ -25,7 +25,7 @@ struct Rival : FakeService {
     }
 };
 
-/// Two services that take the name over from each other as fast as they can.
+/// Two services that take the name from each other as fast as they can.
 class Rivals
 {
 public:
@@ -99,8 +99,8 @@ void tst_Owners::monitorsStartedDuringNameTakeover()
     }
     QVERIFY(waitUntilListening(rivals.first, 20));
     rivals.settle();
-    // Whoever won is heard, and standard error has the one warning about the connection that is
-    // never made, besides those about owners.
+    // The monitor receives the signals of the last owner. Standard error has only the warning of
+    // every monitor and those about owners.
     for (const auto &monitor : monitors) {
         rivals.first.emitSignal("SigAlarm", "('from the loser',)");
         rivals.second.emitSignal("SigAlarm", "('from the winner',)");

@@ -86,7 +86,7 @@ void tst_Program::randomReplies()
     };
     RandomReplies replies(static_cast<unsigned>(setting("MOVRA_HOSTILE_SEED", 1)));
     for (int round = setting("MOVRA_HOSTILE_RUNS", 200) / 100; round >= 0; --round) {
-        // All requests linger together.
+        // The half seconds of all requests overlap.
         std::vector<Run> runs;
         for (const CommandForm &request : requests()) {
             const QByteArray destination =

@@ -29,7 +29,7 @@ private:
     static void addRequests();
     /// Answers the row at random.
     void attack(Answers answers);
-    /// Makes the request and compares what must hold; the reply was taken or it was not.
+    /// Makes the request and checks its outcome; the client accepts the reply or not.
     void check(const CommandForm &request, bool taken, const QByteArray &reply);
 
     std::unique_ptr<FakeService> service;
@@ -70,7 +70,7 @@ void tst_Replies::check(const CommandForm &request, bool taken, const QByteArray
 {
     const QByteArray fault = faultOf(request, callHandler(*movra, requestOf(request)), taken);
     QVERIFY2(fault.isEmpty(), QByteArray(fault + " after " + reply.left(2000)).constData());
-    // Some forms do not wait for the reply: the next answer must not go to this call.
+    // Some forms do not wait for the reply. This call must not get the next answer.
     QCOMPARE(service->waitForCalls(1).size(), 1);
 }
 
@@ -84,8 +84,8 @@ void tst_Replies::attack(Answers answers)
 
 void tst_Replies::cleanupTestCase()
 {
-    // Files that came with replies are closed when the replies go, on another thread, too.
-    // The first count may hold a file that only connecting had open.
+    // Files of replies are closed when the replies are destroyed, which another thread may do.
+    // The first count may include a file that was open only while the client connected.
     QTRY_VERIFY_WITH_TIMEOUT(countOpenFiles() <= openFiles, patienceMs);
 }
 

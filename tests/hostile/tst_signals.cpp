@@ -22,8 +22,8 @@
 namespace
 {
 
-/// How the line about a signal begins; empty for one that is not printed: the types must fit to the
-/// last one, unlike those of replies.
+/// The beginning of the line for a signal; empty if the signal is not printed. All types must fit,
+/// unlike those of replies.
 QByteArray lineBegin(const QByteArray &member, const QByteArray &signature)
 {
     for (const SignalForm &form : signalForms) {
@@ -46,7 +46,7 @@ private Q_SLOTS:
     void randomSignals();
 
 private:
-    /// What the monitor prints about the signals that the action emits.
+    /// The output of the monitor for the signals that the action emits.
     QByteArray heard(const std::function<void()> &emitAll);
 
     std::unique_ptr<FakeService> service;
@@ -83,7 +83,7 @@ void tst_Signals::randomSignals_data()
         QTest::addRow("%s %s", form.member, form.signature)
             << QByteArray(form.member) << QByteArray(form.signature);
     }
-    QTest::newRow("one that the monitor does not know")
+    QTest::newRow("a signal that the monitor does not know")
         << QByteArray("SigLogNotification") << QByteArray("as");
 }
 
