@@ -21,7 +21,7 @@
 namespace
 {
 
-/// Makes the environment of a vector the process's, while it lives.
+/// Sets the environment of the process to that of a vector during its lifetime.
 class Environment
 {
 public:
@@ -43,17 +43,17 @@ QByteArrayList wordsIn(QByteArray typed)
     }
     QByteArrayList words { "movra" };
     for (const QByteArray &line : typed.split('\n')) {
-        words.append(line.constData()); // no word holds a byte of value 0
+        words.append(line.constData()); // no word contains a byte of value 0
     }
     return words;
 }
 
-QByteArray warnings; // what Qt would have written to standard error
+QByteArray warnings; // what Qt writes to standard error
 
 void recordWarning(QtMsgType /*type*/, const QMessageLogContext & /*context*/,
                    const QString &message)
 {
-    // A debug build says where as well.
+    // A debug build appends the place.
     const int where = message.indexOf(QLatin1String(" in "));
     warnings += message.left(where).toUtf8() + '\n';
 }
@@ -95,7 +95,7 @@ QByteArray problemWithArray(const QByteArray &id, const QByteArrayList &values)
         problem = differs("element", element, expectedElement(id, values[i]).value_or(element));
     }
 
-    // The bus library ends the process if a text is not what the bus allows.
+    // The bus library ends the process if a text is not valid on the bus.
     QDBusArgument wire;
     wire << QList<IdValueStruct> { { QString::fromUtf8(id), array } };
     return problem + differs("signature", wire.currentSignature().toLatin1(), "a(sv)");

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
-// What people and scripts type, as bytes: run through the argument check, the table and a handler.
+// Words as bytes, which the argument check, the table and a handler process.
 #pragma once
 
 #include <QByteArray>
 
-/// Runs the words typed after the program's name, one a line, as `main` runs them, while no bus can
-/// be reached: the handlers are called on an invalid proxy, so every call fails at once.
+/// Runs the words after the program's name, one on each line, as `main` runs them. No bus can be
+/// reached: the handlers are called on an invalid proxy, so that every call fails immediately.
 ///
-/// Returns what was not as it must be; empty if nothing. Words and vector have exactly their size
-/// on the heap, so that AddressSanitizer ends the process at the first byte read beyond.
+/// Returns the difference from the expected outcome; empty if there is none. Words and vector have
+/// exactly their size on the heap, so that AddressSanitizer ends the process at the first byte that
+/// is read beyond them.
 QByteArray problemWith(const QByteArray &typed);

@@ -23,7 +23,7 @@ QByteArray withoutLeadingZeros(QByteArray digits)
     return digits;
 }
 
-/// The first of the kind words that the identifier holds, or nothing.
+/// The first kind word that the identifier contains, or nothing.
 QByteArray kindIn(const QByteArray &id)
 {
     for (const char *kind : { "doubleARRAY", "floatARRAY", "uint32ARRAY", "int32ARRAY",
@@ -78,7 +78,7 @@ ExpectedOutcome ofRequest(const QByteArrayList &request, const QByteArray &lastE
     }
     QByteArray failed = form.failed;
     if (failed.startsWith("DBG SET ")) {
-        failed.replace(0, 7, "DBG " + request[1]); // whatever was typed
+        failed.replace(0, 7, "DBG " + request[1]); // the word that was typed
     }
     if (failed.endsWith("err=\n")) {
         failed.insert(failed.size() - 1, lastError);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// libFuzzer's side of it: makes up the words, and takes a problem for a crash.
+// The target for libFuzzer, which makes the words. A difference ends the process like a crash.
 #include "tests/fuzz/arguments.h"
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Replays every file of the corpus, from which the fuzzer starts, and every command form.
+// Runs every file of the corpus, from which the fuzzer starts, and every command form.
 #include "tests/fuzz/arguments.h"
 #include "tests/support/commandforms.h"
 
