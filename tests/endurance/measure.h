@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an endurance test found out.
+// Measurements of an endurance test.
 #pragma once
 
 #include <sys/types.h>

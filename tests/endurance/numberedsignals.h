@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Signals that carry a running number, of all eight kinds in turn, and the lines they become.
+// Signals with increasing numbers, of all eight kinds in turn, and the lines that the monitor
+// prints for them.
 #pragma once
 
 #include "tests/support/fakeservice.h"

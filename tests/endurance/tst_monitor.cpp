@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The monitor for long: MOVRA_ENDURANCE_SIGNALS signals (20,000 unless set) for a reader that keeps
-// up, MOVRA_ENDURANCE_STALLED (20,000 unless set) and MOVRA_ENDURANCE_LARGE of 1 MB (40 unless set)
-// for one that reads nothing before all are sent. No line is lost, all are in order, and the
-// monitor's memory stays small.
+// The monitor over a long time: MOVRA_ENDURANCE_SIGNALS signals (20,000 unless set) for a reader
+// that keeps up, MOVRA_ENDURANCE_STALLED (20,000 unless set) and MOVRA_ENDURANCE_LARGE of 1 MB (40
+// unless set) for one that reads nothing before all are sent. No line is lost, all are in order,
+// and the monitor's memory stays small.
 #include "tests/endurance/measure.h"
 #include "tests/endurance/numberedsignals.h"
 #include "tests/support/listening.h"
@@ -21,7 +21,8 @@ constexpr int atATime = 10000;
 
 using Seconds = std::chrono::duration<double>;
 
-/// Whether so many KiB are less than so many MiB; the sanitizers need many times more.
+/// Whether the first size, in KiB, is less than the second, in MiB. Sanitizers need much more
+/// memory.
 bool staysBelow(int kib, int limit)
 {
 #ifdef MOVRA_SANITIZED
@@ -55,7 +56,7 @@ private:
 
 void tst_Monitor::compareLines(Program &monitor, int begin, int end)
 {
-    (void)monitor.waitForLines(end - begin); // the first line that is wrong tells more
+    (void)monitor.waitForLines(end - begin); // the comparison below shows the first wrong line
     int position = 0;
     for (int number = begin; number < end; ++number) {
         const QByteArray line = numberedLine(number);
@@ -106,7 +107,7 @@ void tst_Monitor::aReaderThatStalls()
 
     const auto begin = std::chrono::steady_clock::now();
     for (int lines = 0; lines < count && monitor.waitForLines(lines); lines += atATime) {
-        // Each wait has a patience of its own.
+        // Each wait has its own limit.
     }
     compareLines(monitor, 0, count);
     if (QTest::currentTestFailed()) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every form of a request again and again, side by side, against one service: MOVRA_ENDURANCE_RUNS
-// runs of each form (10 unless set). Each prints the same, sends the same and ends the same.
+// Repeated parallel runs of every form with one service: MOVRA_ENDURANCE_RUNS runs of each form (10
+// unless set). All runs of a form have the same output, call and status.
 #include "tests/endurance/measure.h"
 #include "tests/support/commandforms.h"
 #include "tests/support/movrarun.h"
@@ -56,7 +56,7 @@ void tst_Runs::everyFormTheSameEachTime()
             ++done;
         }
         QByteArrayList calls = service.waitForCalls(expectedCalls.size());
-        // Side by side they arrive in any order.
+        // Calls of parallel runs arrive in any order.
         std::sort(calls.begin(), calls.end());
         std::sort(expectedCalls.begin(), expectedCalls.end());
         QCOMPARE(calls, expectedCalls);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // One run of each form of a request, and a monitor, under valgrind's memcheck: no invalid access,
-// no value that was never set, nothing definitely lost.
+// no uninitialized value, no definite leak.
 #include "tests/endurance/numberedsignals.h"
 #include "tests/support/commandforms.h"
 #include "tests/support/listening.h"
@@ -78,10 +78,10 @@ void tst_Valgrind::theMonitor()
     }
     QVERIFY(monitor->waitForLines(count));
     QCOMPARE(monitor->out, expected);
-    // Valgrind looks for leaks when the signal comes.
+    // Valgrind looks for leaks when the signal arrives.
     monitor->send(SIGTERM);
     QVERIFY(monitor->waitForEnd());
-    // The one warning of every monitor, and nothing of valgrind's.
+    // Only the warning of every monitor, and no message of valgrind.
     QVERIFY2(monitor->err.count('\n') == 1, monitor->err.constData());
     QCOMPARE(monitor->status, 256 + SIGTERM);
 }
