@@ -7,7 +7,7 @@ SERVICES = [
     ("com.varn.silent",),
 ]
 
-# Must never be offered: the names of FILE and DBG SAVE_TO belong to the service's side.
+# Must never be offered: FILE and DBG SAVE_TO name files of the service.
 FILES = ["evening.json", "evening two.json"]
 
 CONFIGS = [
@@ -54,7 +54,7 @@ ACTIONS = [
     ":action:xdsl:line:drop:",
 ]
 
-# What the usage text shows and movra refuses.
+# Words of the usage text that movra rejects.
 REFUSED = ["ALL", "LOG"]
 
 TUL = "movra com.varn.tul / "
@@ -191,7 +191,7 @@ WORDS = [
      ["com.varn.tul", "/", "DBG", "SET", "LOG_XDSL, 0, ENABLED"]),
 ]
 
-# bash cannot quote what the quotes do not. fish leaves the quote open after a colon, and cannot quote a
+# bash quotes nothing inside double quotes. fish does not close the quote after a colon and cannot quote a
 # tilde.
 LEFT_OUT = {"bash": ["an id with a command substitution, between quotes"],
             "fish": ["an id with a command substitution, between quotes",
@@ -203,13 +203,13 @@ SILENT_IN = {
     "fish": [("no tilde without a quote", HOSTILE + "NOTIFY RESULT ADD ")],
 }
 
-# Name, a line that a Tab leaves alone.
+# Name, a line that a Tab does not change.
 SILENT = [
     ("no unique names", "movra :"),
     ("not the bus itself", "movra org"),
     ("no unknown command", TUL + "X"),
-    ("GET ALL is refused", TUL + "GET AL"),
-    ("NOTIFY LOG is refused", TUL + "NOTIFY LO"),
+    ("GET ALL is rejected", TUL + "GET AL"),
+    ("NOTIFY LOG is rejected", TUL + "NOTIFY LO"),
     ("nothing after SIG", TUL + "SIG "),
     ("nothing after SERVERSTAT", TUL + "SERVERSTAT "),
     ("nothing after the id of GET", TUL + "GET :config:data:ftp:port: "),

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A service with more than a shell can show: 200,000 nodes, 200,000 ids, and ids of 10 MB.
-// Prints "ready" and stays until it is killed.
+// Prints "ready" and runs until it is killed.
 #include "tests/support/fakeservice.h"
 
 #include <cstdio>
