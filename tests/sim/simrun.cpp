@@ -169,7 +169,7 @@ bool SimTest::start(const QStringList &options)
 
 bool SimTest::stop()
 {
-    // What the simulator had to complain about would be lost with it.
+    // The messages of the simulator must be read before it is destroyed.
     const bool endedWell = !simulator || endSimulator(*simulator, SIGTERM);
     const QByteArray complaints = simulator ? simulator->readAllStandardError() : QByteArray();
     simulator.reset();
@@ -186,7 +186,7 @@ bool SimTest::hear(const QString &line)
 
 QStringList SimTest::takeHeard()
 {
-    // Signals arrive in the order in which they were sent, so that this one is the last.
+    // Signals arrive in their order, so that this one is the last.
     service->SetValue(text("MARKER"), QDBusVariant(QString()));
     const QString last = QStringLiteral("SigError There is no \"MARKER\" here.");
     if (!hear(last)) {

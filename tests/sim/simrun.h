@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Runs the built simulator for a test and listens to it, on the bus of the test.
+// Runs the built simulator for a test and receives its signals, on the bus of the test.
 #pragma once
 
 #include "bus/proxies.h"
@@ -17,27 +17,27 @@
 
 #include <memory>
 
-/// A literal as text; it is UTF-8.
+/// A UTF-8 literal as text.
 inline QString text(const char *utf8)
 {
     return QString::fromUtf8(utf8);
 }
 
-/// Lets programs that this process starts be ended by SIGINT, SIGTERM and SIGHUP. A suite that runs
-/// in the background inherits SIGINT ignored, and its programs would, too.
+/// Gives SIGINT, SIGTERM and SIGHUP their default effect in programs that this process starts. A
+/// process in the background of a shell ignores SIGINT, and its programs would inherit this.
 void resetSignals();
 
 /// Starts the simulator; true once it has printed `ready`. It reads `process`'s environment.
 bool startSimulator(QProcess &process, const QStringList &arguments);
 
-/// Ends the simulator by a signal number; true when it ended by itself with status 0.
+/// Ends the simulator by a signal number; true if it exits with status 0.
 bool endSimulator(QProcess &process, int signalNumber);
 
 /// The answer as text: `<signature> <values>`, only the values' text for an empty signature, or
 /// `<error name>: <sentence>`. Waits for it.
 QString answerTo(const QDBusPendingCall &call);
 
-/// A test function's own simulator, proxy and list of the signals heard.
+/// A simulator, a proxy and the list of received signals for each test function.
 class SimTest : public QObject
 {
     Q_OBJECT
@@ -49,11 +49,11 @@ private Q_SLOTS:
 protected:
     /// Starts the simulator with the test's state directory and more options.
     bool start(const QStringList &options = {});
-    /// Ends the simulator, if it runs; false when it did not end well.
+    /// Ends the simulator if it runs; false if it did not exit with status 0 or printed an error.
     bool stop();
     /// Waits for a signal, given as `<member> <arguments>`.
     bool hear(const QString &line);
-    /// Everything heard up to now, also what is still on its way; then forgets it.
+    /// Takes all signals that the simulator has sent up to now.
     QStringList takeHeard();
     /// The file of this name in the state directory.
     QString pathOf(const QString &name) const;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Actions: how they start, what they drive meanwhile, and how they end.
+// Actions: their start, the result that they drive, and their end.
 #include "tests/sim/simrun.h"
 
 #include <QtTest>
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void anUnknownActionIsRefused();
     void everyEndIsAnnouncedInOrder();
     void aRunningActionIsNotStartedAgain();
-    void anActionWithoutDurationGoesStraightToItsEnd();
+    void anActionWithoutDurationEndsAtOnce();
 
 private:
     bool restartWithOwnCatalog()
@@ -138,7 +138,7 @@ void TestActions::aRunningActionIsNotStartedAgain()
     QCOMPARE(takeHeard(), QStringList { text("SigInfo :action:a:long: started") });
 }
 
-void TestActions::anActionWithoutDurationGoesStraightToItsEnd()
+void TestActions::anActionWithoutDurationEndsAtOnce()
 {
     QVERIFY(restartWithOwnCatalog());
     service->AddToNotifyList(text(":result:a:count:"));

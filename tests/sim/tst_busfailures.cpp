@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The simulator on a bus that dies, and under messages that together are larger than what libdbus
-// accepts unless it is told otherwise.
+// The simulator on a bus that dies, and with messages that are together larger than the default
+// limit of libdbus.
 #include "bus/proxies.h"
 #include "tests/support/cutbus.h"
 #include "tests/support/movrarun.h"
@@ -29,8 +29,8 @@ void tst_BusFailures::aBusThatDiesAtTheStart_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("while it authenticates") << QByteArray("AUTH");
-    QTest::newRow("while it gives a name") << QByteArray("Hello");
-    QTest::newRow("while it gives the service its name") << QByteArray("RequestName");
+    QTest::newRow("while it assigns a unique name") << QByteArray("Hello");
+    QTest::newRow("while it assigns the name of the service") << QByteArray("RequestName");
 }
 
 void tst_BusFailures::aBusThatDiesAtTheStart()
@@ -99,7 +99,7 @@ void tst_BusFailures::manyCallsThatWait()
     }
     for (QDBusPendingReply<> &reply : delayed) {
         reply.waitForFinished();
-        // The service refuses such a value, and nothing else is wrong.
+        // The service refuses such a value, and continues.
         QCOMPARE(reply.error().name(), QStringLiteral("varn.pim.Error.BadValue"));
     }
     QDBusPendingReply<int> status = service.DBusServerStatus();
@@ -114,7 +114,7 @@ void tst_BusFailures::aCallAbove63MiB()
     KorAppInterface service(QStringLiteral("com.varn.large"), QStringLiteral("/"),
                             QDBusConnection::sessionBus(), nullptr);
     const QString text(64 * 1024 * 1024, QLatin1Char('x'));
-    // Refused or not, it is answered, and so is what follows.
+    // The call gets an answer or a refusal, and later calls are answered.
     service.SetValue(QStringLiteral(":config:data:ftp:userName:"), QDBusVariant(text))
         .waitForFinished();
     QDBusPendingReply<int> status = service.DBusServerStatus();

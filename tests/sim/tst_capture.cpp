@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The copy of a service: what comes out is what it answered, and nonsense never becomes a
+// The copy of a service: the catalogue gives the same answers. Invalid answers never become a
 // catalogue.
 #include "tests/support/fakeservice.h"
 #include "tests/support/program.h"
@@ -35,8 +35,7 @@ constexpr const char *everything = R"({
   "debugLogs": ["LOG_A", "LOG_\u00c4"]
 })";
 
-// Asks for everything, in the words of GET, LIST and DBG.
-// Asks for everything that GET, LIST and DBG GET_IDS ask for.
+// Asks for everything that GET, LIST and DBG GET_IDS can show.
 constexpr const char *questions = R"(
 ask() { dbus-send --session --print-reply=literal --dest=com.varn.tul / "varn.pim.$@"; }
 for member in ListConfigIds ListResultIds ListActionIds LogGetIds DbgLogGetIds; do ask $member; done
@@ -61,8 +60,8 @@ private Q_SLOTS:
     void whatACatalogueCannotExpressIsSkipped();
     void nonsenseIsAnError_data();
     void nonsenseIsAnError();
-    void whoIsNotThereIsNotCaptured_data();
-    void whoIsNotThereIsNotCaptured();
+    void aMissingServiceIsNotCaptured_data();
+    void aMissingServiceIsNotCaptured();
     void thousandsOfIdsShowProgressOnATerminal();
 
 private:
@@ -200,26 +199,28 @@ void TestCapture::nonsenseIsAnError()
     QCOMPARE(capture(), "8||movra-sim: the service cannot be captured: " + reason + '\n');
 }
 
-void TestCapture::whoIsNotThereIsNotCaptured_data()
+void TestCapture::aMissingServiceIsNotCaptured_data()
 {
     QTest::addColumn<QByteArrayList>("arguments");
     QTest::addColumn<QByteArray>("expected");
-    QTest::newRow("nobody") << QByteArrayList { "--capture", "com.varn.nobody" }
-                            << QByteArray("8||movra-sim: the service cannot be captured: nobody "
-                                          "owns the bus name \"com.varn.nobody\"\n");
-    QTest::newRow("no name") << QByteArrayList { "--capture", "" }
-                             << QByteArray("8||movra-sim: the service cannot be captured: nobody "
-                                           "owns the bus name \"\"\n");
-    QTest::newRow("a path that is none")
+    QTest::newRow("a name without an owner")
+        << QByteArrayList { "--capture", "com.varn.nobody" }
+        << QByteArray("8||movra-sim: the service cannot be captured: nobody "
+                      "owns the bus name \"com.varn.nobody\"\n");
+    QTest::newRow("an empty name")
+        << QByteArrayList { "--capture", "" }
+        << QByteArray("8||movra-sim: the service cannot be captured: nobody "
+                      "owns the bus name \"\"\n");
+    QTest::newRow("a malformed path")
         << QByteArrayList { "--capture", "com.varn.tul", "--path", "x" }
         << QByteArray("5||movra-sim: \"x\" is not an object path\n");
-    QTest::newRow("no object there")
+    QTest::newRow("no object at the path")
         << QByteArrayList { "--", "sh", "-c", "\"$PROGRAM\" --capture com.varn.tul --path /x" }
         << QByteArray("8||movra-sim: the service cannot be captured: \"ListConfigIds\": No such "
                       "object path '/x'\n");
 }
 
-void TestCapture::whoIsNotThereIsNotCaptured()
+void TestCapture::aMissingServiceIsNotCaptured()
 {
     QFETCH(QByteArrayList, arguments);
     QFETCH(QByteArray, expected);

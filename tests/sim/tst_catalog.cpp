@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The reader of catalogues: what is refused and in which words, and what the built-in one offers.
+// The reader of catalogues: its error messages, and the built-in catalogue.
 #include "sim/catalog.h"
 
 #include <QRegularExpression>
@@ -12,7 +12,7 @@ namespace
 constexpr const char *emptyCatalog =
     R"({"configs": [], "results": [], "actions": [], "logs": [], "debugLogs": []})";
 
-/// The sentence by which a catalogue is refused; empty: it is not.
+/// The error message for a catalogue; empty if it is valid.
 QString problemOf(const QByteArray &text)
 {
     try {
@@ -37,8 +37,8 @@ class TestCatalog : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatIsWrongIsToldWithItsPlace_data();
-    void whatIsWrongIsToldWithItsPlace();
+    void everyErrorHasItsPlace_data();
+    void everyErrorHasItsPlace();
     void manyNamesAreReadInTime();
     void anEmptyCatalogIsACatalog();
     void leftOutFieldsHaveDefaults();
@@ -47,7 +47,7 @@ private Q_SLOTS:
     void theBuiltInCatalogCanRaiseEverySignalOfAnAction();
 };
 
-void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
+void TestCatalog::everyErrorHasItsPlace_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("problem");
@@ -56,10 +56,10 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
     };
     row("an empty text", "", "line 1, column 1: is empty");
     row("an array", "[]", "line 1, column 1: is an array, not an object");
-    row("a word too much", "{}\n x",
+    row("a word after the end", "{}\n x",
         "line 2, column 2: syntax error while parsing value - invalid literal; last read: "
         "'{}<U+000A> x'; expected end of input");
-    row("a comma too much", "{\n  \"configs\": [],\n}",
+    row("a comma before a brace", "{\n  \"configs\": [],\n}",
         "line 3, column 1: syntax error while parsing object key - unexpected '}'; expected string "
         "literal");
     row("columns are characters", "{\"\xc3\xa4\": \xc3\xb6}",
@@ -69,18 +69,18 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
         "line 1, column 3: syntax error while parsing object key - invalid string: ill-formed "
         "UTF-8 "
         "byte; last read: '\"\xef\xbf\xbd'; expected string literal");
-    row("a key that stands twice", "{\"configs\": [],\n \"c\\u006fnfigs\": []}",
+    row("a repeated key", "{\"configs\": [],\n \"c\\u006fnfigs\": []}",
         "line 2, column 15: the key \"configs\" is there already");
-    row("a key that stands twice deep inside", "{\"a\":{\"b\":1,\"b\":2}}",
+    row("a repeated key in an inner object", "{\"a\":{\"b\":1,\"b\":2}}",
         "line 1, column 15: the key \"b\" is there already");
-    row("U+0000 behind the end", QByteArray("{}\n\0", 4),
+    row("U+0000 after the end", QByteArray("{}\n\0", 4),
         "line 2, column 1: U+0000 is no character of JSON");
     row("a lone surrogate", R"({"configs": [{"id": "\ud800"}]})",
         "line 1, column 28: syntax error while parsing value - invalid string: surrogate "
         "U+D800..U+DBFF must be followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'");
     row("a number beyond every type", R"({"configs": 1e999})",
         "line 1, column 18: number overflow parsing '1e999'");
-    row("nested beyond measure", QByteArray(200000, '['), "line 1, column 102: nested too deeply");
+    row("nested too deeply", QByteArray(200000, '['), "line 1, column 102: nested too deeply");
     row("a byte order mark", "\xef\xbb\xbf{}", "configs: is missing");
     row("a missing list", "{}", "configs: is missing");
     row("a list that is an object",
@@ -224,7 +224,7 @@ void TestCatalog::whatIsWrongIsToldWithItsPlace_data()
         "debugLogs[0]: is not LOG_ and a name in upper case");
 }
 
-void TestCatalog::whatIsWrongIsToldWithItsPlace()
+void TestCatalog::everyErrorHasItsPlace()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, problem);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A command inside the simulator: what it finds, which status comes out, and that nothing is left.
+// A command inside the simulator: its environment, the exit status, and that nothing remains.
 #include "tests/support/patience.h"
 #include "tests/support/program.h"
 
@@ -36,7 +36,7 @@ private Q_SLOTS:
     void nothingRemainsOfAKilledSimulator();
 
 private:
-    /// Starts the simulator with a temporary directory of the test's own.
+    /// Starts the simulator with the temporary directory of the test.
     Program start(const QByteArrayList &arguments)
     {
         return { MOVRA_SIM_PROGRAM, arguments, environment };
@@ -61,7 +61,7 @@ private:
 void TestCommand::init()
 {
     scratch = std::make_unique<QTemporaryDir>();
-    // No session bus but the simulator's own.
+    // Only the simulator provides a session bus.
     environment = { "PATH=" MOVRA_PROGRAM_DIRECTORY ":" + qgetenv("PATH"),
                     "TMPDIR=" + QFile::encodeName(scratch->path()), "HOME=/nonexistent" };
     for (const char *name : { "LSAN_OPTIONS", "LC_ALL", "LANG" }) {
@@ -86,7 +86,7 @@ void TestCommand::theStatusIsThatOfTheCommand_data()
         << QByteArray("7|out\n|err\n");
     QTest::newRow("a signal") << QByteArrayList { "--", "sh", "-c", "kill -KILL $$" }
                               << QByteArray("137||");
-    QTest::newRow("a command that is not there")
+    QTest::newRow("a command that does not exist")
         << QByteArrayList { "--", "no-such-command" }
         << QByteArray("127||movra-sim: \"no-such-command\" cannot be run: No such file or "
                       "directory\n");
@@ -96,9 +96,8 @@ void TestCommand::theStatusIsThatOfTheCommand_data()
     QTest::newRow("no command") << QByteArrayList { "--" }
                                 << QByteArray("1||movra-sim: There is no command. See movra-sim "
                                               "--help.\n");
-    QTest::newRow("an option that is wrong")
-        << QByteArrayList { "--path", "x", "--", "echo" }
-        << QByteArray("5||movra-sim: \"x\" is not an object path\n");
+    QTest::newRow("a wrong option") << QByteArrayList { "--path", "x", "--", "echo" }
+                                    << QByteArray("5||movra-sim: \"x\" is not an object path\n");
 }
 
 void TestCommand::theStatusIsThatOfTheCommand()
@@ -207,7 +206,7 @@ void TestCommand::signalsOfTheTerminalEndBoth()
 {
     QFETCH(QByteArray, name);
     QFETCH(int, status);
-    // setsid makes the simulator lead a process group, as a shell does for what is typed.
+    // setsid starts a process group for the simulator, as a shell does for a command.
     Program program(
         "setsid",
         { MOVRA_SIM_PROGRAM, "--", "sh", "-c", "ulimit -c 0; kill -" + name + " 0; sleep 60" },

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Faults on demand: what movra and other clients see of each, and that other calls go on.
+// Faults: their effect on movra and other clients, and that other calls are answered.
 #include "tests/sim/simrun.h"
 
 #include <QDBusConnection>
@@ -28,20 +28,20 @@ private Q_SLOTS:
     void movraPrints();
     void aRefusedCallIsNotCarriedOut();
     void theWrongTypeIsADouble();
-    void aDelayedCallHoldsUpNoOther();
+    void aDelayedCallDelaysNoOther();
     void aDelayedCallIsNotCarriedOutAtOnce();
     void aDelayedCallIsCarriedOutLater();
     void delayedCallsKeepTheirOrder();
-    void aSilentCallHoldsUpNoOther();
-    void whoVanishesSaysNothing();
+    void aSilentCallDelaysNoOther();
+    void aSimulatorThatVanishesSendsNothing();
     void theLastFaultOfAMemberCounts_data();
     void theLastFaultOfAMemberCounts();
     void onlyOneCallFails();
     void onlyCallsThatNameTheItemFail();
-    void otherInterfacesAreSpared();
+    void otherInterfacesHaveNoFaults();
 
 private:
-    /// Starts the simulator anew with these faults.
+    /// Restarts the simulator with these faults.
     bool startWith(const QStringList &faults)
     {
         QStringList options;
@@ -104,7 +104,7 @@ void TestFaults::theWrongTypeIsADouble()
     QCOMPARE(answerTo(service->StartConfigNotify()), text("d 1.5"));
 }
 
-void TestFaults::aDelayedCallHoldsUpNoOther()
+void TestFaults::aDelayedCallDelaysNoOther()
 {
     QVERIFY(startWith({ text("GetValue=delay:3600000") }));
     const QDBusPendingCall delayed = service->GetValue(port);
@@ -140,7 +140,7 @@ void TestFaults::delayedCallsKeepTheirOrder()
     QCOMPARE(answerTo(service->GetValue(port)), text("v <4>"));
 }
 
-void TestFaults::aSilentCallHoldsUpNoOther()
+void TestFaults::aSilentCallDelaysNoOther()
 {
     QVERIFY(startWith({ text("SetValue=silence") }));
     const QDBusPendingCall silent = service->SetValue(port, QDBusVariant(text("22")));
@@ -150,10 +150,10 @@ void TestFaults::aSilentCallHoldsUpNoOther()
     QVERIFY(answerTo(silent).startsWith(text("org.freedesktop.DBus.Error.NoReply: ")));
 }
 
-void TestFaults::whoVanishesSaysNothing()
+void TestFaults::aSimulatorThatVanishesSendsNothing()
 {
     QVERIFY(startWith({ text("GetValue=vanish") }));
-    // The end of the simulator before this one is heard first.
+    // The closing signal of the earlier simulator arrives first.
     QCOMPARE(takeHeard(), QStringList { text("SigDBusServerClosing movra-sim is closing") });
     const QDBusPendingCall fatal = service->GetValue(port);
     const QDBusPendingCall late = service->GetStatus(port);
@@ -163,7 +163,7 @@ void TestFaults::whoVanishesSaysNothing()
     QCOMPARE(simulator->exitStatus(), QProcess::NormalExit);
     QCOMPARE(simulator->exitCode(), 0);
     QCOMPARE(simulator->readAllStandardError(), QByteArray());
-    // A new service is heard after anything that the old one may have said.
+    // The signals of a new service arrive after all signals of the old one.
     QVERIFY(start());
     QCOMPARE(takeHeard(), QStringList());
 }
@@ -182,7 +182,7 @@ void TestFaults::theLastFaultOfAMemberCounts_data()
         << QStringList { text("*=silence"), text("GetValue=refuse:a") } << refusalBy("a");
     QTest::newRow("another member")
         << QStringList { text("GetValueStatus=silence") } << text("v <21>");
-    QTest::newRow("a number that is no call's")
+    QTest::newRow("a number without a call")
         << QStringList { text("GetValue=refuse:a@b@0") } << refusalBy("a@b@0");
     QTest::newRow("a chosen error") << QStringList { text("GetValue=error:com.varn.Locked") }
                                     << text("com.varn.Locked: This call is refused on demand.");
@@ -238,7 +238,7 @@ void TestFaults::onlyCallsThatNameTheItemFail()
              text("a(sv) [(':config:data:ftp:port:', <21>), (':config:voip:jitter:', <1>)]"));
 }
 
-void TestFaults::otherInterfacesAreSpared()
+void TestFaults::otherInterfacesHaveNoFaults()
 {
     QVERIFY(startWith({ text("*=silence") }));
     const QDBusMessage ping = QDBusMessage::createMethodCall(

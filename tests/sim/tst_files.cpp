@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Saved configurations: what is written, what is read back, and everything that is refused.
+// Saved configurations: the written file, the loaded values, and what is refused.
 #include "tests/sim/simrun.h"
 
 #include <QDBusVariant>
@@ -92,7 +92,7 @@ private Q_SLOTS:
     void onlyRegularFilesAreTouched_data();
     void onlyRegularFilesAreTouched();
     void anotherNameOfTheFileKeepsTheOldContents();
-    void leftoversOfACrashAreNoHindrance();
+    void leftoversOfACrashDoNotPreventSaving();
     void twoSimulatorsDoNotShareADirectory();
     void aKilledSimulatorLeavesNothingForLong();
     void aConfigurationAndTheDebugLogDoNotReplaceEachOther();
@@ -233,7 +233,7 @@ void TestFiles::aDamagedFileChangesNothing_data()
         "byte; "
         "last read: '\"\xef\xbf\xbd'");
     row("an array", "[]", "line 1, column 1: is an array, not an object");
-    row("nested beyond measure", QByteArray(100000, '['), "line 1, column 102: nested too deeply");
+    row("nested too deeply", QByteArray(100000, '['), "line 1, column 102: nested too deeply");
     row("without a format", R"({"configs": {":config:data:ftp:port:": 22}})", "format: is missing");
     row("of another format", R"({"format": 2, "configs": {":config:data:ftp:port:": 22}})",
         "format: is not 1");
@@ -242,7 +242,7 @@ void TestFiles::aDamagedFileChangesNothing_data()
     row("without configs", R"({"format": 1})", "configs: is missing");
     row("with configs as a list", R"({"format": 1, "configs": [22]})",
         "configs: is an array, not an object");
-    row("with more than it should have",
+    row("with a further field",
         R"({"format": 1, "configs": {":config:data:ftp:port:": 22}, "x": 1})",
         "x: is not known; fields are format, configs");
     row("with an unknown id",
@@ -327,7 +327,7 @@ void TestFiles::anotherNameOfTheFileKeepsTheOldContents()
     QCOMPARE(load(text("night")), text("b true"));
 }
 
-void TestFiles::leftoversOfACrashAreNoHindrance()
+void TestFiles::leftoversOfACrashDoNotPreventSaving()
 {
     const QString leftover = text(".movra-sim.%1.new").arg(simulator->processId());
     QVERIFY(writeFile(text("target"), "kept"));

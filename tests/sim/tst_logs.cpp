@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The logs and the debug log: what becomes an entry, who hears of it and what is written.
+// The logs and the debug log: their entries, signals and files.
 #include "tests/sim/simrun.h"
 
 #include <QDBusVariant>
@@ -26,11 +26,11 @@ class TestLogs : public SimTest
 private Q_SLOTS:
     void everyEntryOfAStartedLogIsAnnounced();
     void theFirstFieldChoosesTheLog();
-    void logsAreStartedAndStoppedApart();
+    void logsAreStartedAndStoppedSeparately();
     void anUnknownLogIsRefused();
-    void theDebugLogLiesInTheStateDirectory_data();
-    void theDebugLogLiesInTheStateDirectory();
-    void theDebugLogHoldsOneLineForEachEntry();
+    void theDebugLogIsInTheStateDirectory_data();
+    void theDebugLogIsInTheStateDirectory();
+    void theDebugLogHasOneLineForEachEntry();
     void theReportingLevelChoosesTheEntries_data();
     void theReportingLevelChoosesTheEntries();
     void debugLogsAreSwitchedByInstance();
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void savingStops();
     void commandsAreChecked_data();
     void commandsAreChecked();
-    void aNameThatIsTakenByAnotherKindOfFileIsRefused();
+    void anotherKindOfFileIsNotReplaced();
 
 private:
     QString command(const char *word, const char *value)
@@ -96,7 +96,7 @@ void TestLogs::theFirstFieldChoosesTheLog()
         }));
 }
 
-void TestLogs::logsAreStartedAndStoppedApart()
+void TestLogs::logsAreStartedAndStoppedSeparately()
 {
     service->LogStartNotify(text("result"));
     service->LogStartNotify(text("action"));
@@ -125,7 +125,7 @@ void TestLogs::anUnknownLogIsRefused()
     QCOMPARE(answerTo(service->LogClear(text("Config"))), refusal);
 }
 
-void TestLogs::theDebugLogLiesInTheStateDirectory_data()
+void TestLogs::theDebugLogIsInTheStateDirectory_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("name");
@@ -135,7 +135,7 @@ void TestLogs::theDebugLogLiesInTheStateDirectory_data()
     QTest::newRow("a name beyond ASCII") << text("a\xc3\xa4 b") << text("a\xc3\xa4 b");
 }
 
-void TestLogs::theDebugLogLiesInTheStateDirectory()
+void TestLogs::theDebugLogIsInTheStateDirectory()
 {
     QFETCH(QString, value);
     QFETCH(QString, name);
@@ -145,7 +145,7 @@ void TestLogs::theDebugLogLiesInTheStateDirectory()
     QCOMPARE(contentsOf(name), QByteArray());
 }
 
-void TestLogs::theDebugLogHoldsOneLineForEachEntry()
+void TestLogs::theDebugLogHasOneLineForEachEntry()
 {
     command("SAVE_TO", "capture.txt");
     service->SetValue(port, QDBusVariant(text("22")));
@@ -253,7 +253,7 @@ void TestLogs::theDebugLogEndsAt16MiB()
 void TestLogs::aNewFileReplacesTheOldOne()
 {
     QVERIFY(writeFile(text("capture.txt"), "old\n"));
-    // Another name of the old file keeps what was in it.
+    // The old file keeps its contents under its other name.
     QCOMPARE(::link(qPrintable(pathOf(text("capture.txt"))), qPrintable(pathOf(text("kept.txt")))),
              0);
     command("SAVE_TO", "capture.txt");
@@ -318,7 +318,7 @@ void TestLogs::commandsAreChecked_data()
     row("a level beyond the last", "SET_REPORTING_LEVEL", "DEBUG5",
         "BadValue: \"DEBUG5\" is not of the form "
         "\"ERROR|INFO|DEBUG|DEBUG1|DEBUG2|DEBUG3|DEBUG4\".");
-    row("SAVE_TO nowhere", "SAVE_TO", "",
+    row("SAVE_TO an empty name", "SAVE_TO", "",
         "BadName: \"\" cannot be the name of a file: it is empty.");
     row("SAVE_TO a directory", "SAVE_TO", "/tmp/",
         "BadName: \"\" cannot be the name of a file: it is empty.");
@@ -336,7 +336,7 @@ void TestLogs::commandsAreChecked()
     QCOMPARE(answerTo(service->DbgLogCmd(word, value)), answer);
 }
 
-void TestLogs::aNameThatIsTakenByAnotherKindOfFileIsRefused()
+void TestLogs::anotherKindOfFileIsNotReplaced()
 {
     QVERIFY(writeFile(text("target"), "kept"));
     QCOMPARE(::symlink("target", qPrintable(pathOf(text("link")))), 0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The notify list: what is announced, when, and what is not.
+// The notify list: which changes are announced, and when.
 #include "tests/sim/simrun.h"
 
 #include <QDBusVariant>
@@ -23,36 +23,38 @@ class TestNotify : public SimTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void changesAreAnnouncedAtOnceAtPaceNought();
+    void changesAreAnnouncedAtOnceWithIntervalZero();
     void aTickAnnouncesTheLatestValuesInCatalogueOrder();
-    void theUsualPaceIsOneSecond();
+    void theDefaultIntervalIsOneSecond();
     void onlyWhatIsOnTheListIsAnnounced();
     void theSameValueIsNoChange();
     void nothingIsAnnouncedBeforeTheStartOrAfterTheStop();
     void anotherStartChangesNothing();
-    void configsAndResultsAreStartedApart();
+    void configsAndResultsAreStartedSeparately();
     void deletedAndClearedItemsAreForgotten();
     void arraysAreJoinedByBlanks();
-    void anUnknownIdLeavesTheListAsItWas();
-    void pacesAreChecked_data();
-    void pacesAreChecked();
+    void anUnknownIdDoesNotChangeTheList();
+    void intervalsAreChecked_data();
+    void intervalsAreChecked();
 
 private:
     void set(const QString &id, const QVariant &value)
     {
         QCOMPARE(answerTo(service->SetValue(id, QDBusVariant(value))), QString());
     }
-    void setPaces(int milliseconds)
+    void setIntervals(int milliseconds)
     {
-        const QDBusVariant pace { QVariant(milliseconds) };
-        QCOMPARE(answerTo(service->DBusServerCmd(text("SET_CFG_NOTIFY_TIMER"), pace)), QString());
-        QCOMPARE(answerTo(service->DBusServerCmd(text("SET_RES_NOTIFY_TIMER"), pace)), QString());
+        const QDBusVariant interval { QVariant(milliseconds) };
+        QCOMPARE(answerTo(service->DBusServerCmd(text("SET_CFG_NOTIFY_TIMER"), interval)),
+                 QString());
+        QCOMPARE(answerTo(service->DBusServerCmd(text("SET_RES_NOTIFY_TIMER"), interval)),
+                 QString());
     }
 };
 
-void TestNotify::changesAreAnnouncedAtOnceAtPaceNought()
+void TestNotify::changesAreAnnouncedAtOnceWithIntervalZero()
 {
-    setPaces(0);
+    setIntervals(0);
     service->AddToNotifyList(QStringList { port, user });
     service->StartConfigNotify();
     set(port, text("22"));
@@ -70,21 +72,21 @@ void TestNotify::changesAreAnnouncedAtOnceAtPaceNought()
 
 void TestNotify::aTickAnnouncesTheLatestValuesInCatalogueOrder()
 {
-    setPaces(3600000);
+    setIntervals(3600000);
     service->AddToNotifyList(QStringList { port, user });
     service->StartConfigNotify();
     set(port, text("22"));
     set(port, text("23"));
     set(user, text("anna"));
     QCOMPARE(takeHeard(), QStringList());
-    setPaces(20);
+    setIntervals(20);
     QVERIFY(hear(text("SigUpdate :config:data:ftp:port:=23")));
     QCOMPARE(takeHeard(),
              (QStringList { text("SigUpdate :config:data:ftp:userName:=anna"),
                             text("SigUpdate :config:data:ftp:port:=23") }));
 }
 
-void TestNotify::theUsualPaceIsOneSecond()
+void TestNotify::theDefaultIntervalIsOneSecond()
 {
     service->AddToNotifyList(port);
     QElapsedTimer elapsed;
@@ -92,13 +94,13 @@ void TestNotify::theUsualPaceIsOneSecond()
     service->StartConfigNotify();
     set(port, text("22"));
     QVERIFY(hear(text("SigUpdate :config:data:ftp:port:=22")));
-    // The simulator's timer may be up to a twentieth early.
+    // The timer of the simulator may be early by a twentieth of its interval.
     QVERIFY2(elapsed.elapsed() >= 940, qPrintable(QString::number(elapsed.elapsed())));
 }
 
 void TestNotify::onlyWhatIsOnTheListIsAnnounced()
 {
-    setPaces(0);
+    setIntervals(0);
     service->AddToNotifyList(port);
     service->StartConfigNotify();
     set(user, text("anna"));
@@ -108,7 +110,7 @@ void TestNotify::onlyWhatIsOnTheListIsAnnounced()
 
 void TestNotify::theSameValueIsNoChange()
 {
-    setPaces(0);
+    setIntervals(0);
     service->AddToNotifyList(port);
     service->StartConfigNotify();
     set(port, text("021"));
@@ -118,7 +120,7 @@ void TestNotify::theSameValueIsNoChange()
 
 void TestNotify::nothingIsAnnouncedBeforeTheStartOrAfterTheStop()
 {
-    setPaces(0);
+    setIntervals(0);
     service->AddToNotifyList(port);
     set(port, text("22"));
     QCOMPARE(takeHeard(), QStringList());
@@ -133,7 +135,7 @@ void TestNotify::nothingIsAnnouncedBeforeTheStartOrAfterTheStop()
 
 void TestNotify::anotherStartChangesNothing()
 {
-    setPaces(0);
+    setIntervals(0);
     service->AddToNotifyList(QStringList { port, port });
     service->StartConfigNotify();
     service->StartConfigNotify();
@@ -141,9 +143,9 @@ void TestNotify::anotherStartChangesNothing()
     QCOMPARE(takeHeard(), QStringList { text("SigUpdate :config:data:ftp:port:=22") });
 }
 
-void TestNotify::configsAndResultsAreStartedApart()
+void TestNotify::configsAndResultsAreStartedSeparately()
 {
-    setPaces(0);
+    setIntervals(0);
     service->AddToNotifyList(QStringList { port, percent });
     service->StartResultNotify();
     set(port, text("22"));
@@ -162,7 +164,7 @@ void TestNotify::configsAndResultsAreStartedApart()
 
 void TestNotify::deletedAndClearedItemsAreForgotten()
 {
-    setPaces(0);
+    setIntervals(0);
     const QString measure = text(":action:data:ftp:download:");
     service->AddToNotifyList(QStringList { user, port, percent });
     set(user, text("anna"));
@@ -173,7 +175,7 @@ void TestNotify::deletedAndClearedItemsAreForgotten()
     service->ClearConfigNotifyList();
     set(port, text("23"));
     QCOMPARE(takeHeard(), QStringList());
-    // The results have stayed on the list.
+    // The results are still on the list.
     service->StartResultNotify();
     service->DoAction(measure);
     QVERIFY(hear(text("SigUpdate :result:data:ftp:percentTransfered:0:=100")));
@@ -189,7 +191,7 @@ void TestNotify::deletedAndClearedItemsAreForgotten()
 
 void TestNotify::arraysAreJoinedByBlanks()
 {
-    setPaces(0);
+    setIntervals(0);
     service->AddToNotifyList(
         QStringList { text(":config:data:ifnames:"), text(":config:voip:delay:doubleARRAY:") });
     service->StartConfigNotify();
@@ -203,9 +205,9 @@ void TestNotify::arraysAreJoinedByBlanks()
                             text("SigUpdate :config:voip:delay:doubleARRAY:=") }));
 }
 
-void TestNotify::anUnknownIdLeavesTheListAsItWas()
+void TestNotify::anUnknownIdDoesNotChangeTheList()
 {
-    setPaces(0);
+    setIntervals(0);
     QCOMPARE(answerTo(service->AddToNotifyList(QStringList { port, text("unknown") })),
              text("varn.pim.Error.UnknownId: There is no \"unknown\" here."));
     service->StartConfigNotify();
@@ -213,7 +215,7 @@ void TestNotify::anUnknownIdLeavesTheListAsItWas()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestNotify::pacesAreChecked_data()
+void TestNotify::intervalsAreChecked_data()
 {
     QTest::addColumn<QString>("word");
     QTest::addColumn<QVariant>("value");
@@ -223,20 +225,20 @@ void TestNotify::pacesAreChecked_data()
         QTest::newRow(name) << text(word) << value << text(answer);
     };
     row("at once", "SET_CFG_NOTIFY_TIMER", 0, "");
-    row("the longest pace", "SET_RES_NOTIFY_TIMER", 3600000, "");
-    row("a negative pace", "SET_CFG_NOTIFY_TIMER", -1,
+    row("the longest interval", "SET_RES_NOTIFY_TIMER", 3600000, "");
+    row("a negative interval", "SET_CFG_NOTIFY_TIMER", -1,
         "varn.pim.Error.BadValue: SET_CFG_NOTIFY_TIMER takes 0 to 3600000 milliseconds, not -1.");
-    row("a pace beyond an hour", "SET_RES_NOTIFY_TIMER", 3600001,
+    row("an interval above an hour", "SET_RES_NOTIFY_TIMER", 3600001,
         "varn.pim.Error.BadValue: SET_RES_NOTIFY_TIMER takes 0 to 3600000 milliseconds, not "
         "3600001.");
     row("the least number", "SET_RES_NOTIFY_TIMER", std::numeric_limits<int>::min(),
         "varn.pim.Error.BadValue: SET_RES_NOTIFY_TIMER takes 0 to 3600000 milliseconds, not "
         "-2147483648.");
-    row("a pace as text", "SET_CFG_NOTIFY_TIMER", text("100"),
+    row("an interval as text", "SET_CFG_NOTIFY_TIMER", text("100"),
         "varn.pim.Error.BadValue: SET_CFG_NOTIFY_TIMER takes a number of milliseconds of D-Bus "
         "type "
         "\"i\".");
-    row("an unsigned pace", "SET_CFG_NOTIFY_TIMER", 100U,
+    row("an unsigned interval", "SET_CFG_NOTIFY_TIMER", 100U,
         "varn.pim.Error.BadValue: SET_CFG_NOTIFY_TIMER takes a number of milliseconds of D-Bus "
         "type "
         "\"i\".");
@@ -245,7 +247,7 @@ void TestNotify::pacesAreChecked_data()
     row("no word", "", 100, "varn.pim.Error.UnknownCommand: There is no command \"\".");
 }
 
-void TestNotify::pacesAreChecked()
+void TestNotify::intervalsAreChecked()
 {
     QFETCH(QString, word);
     QFETCH(QVariant, value);

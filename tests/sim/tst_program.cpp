@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The program from outside: its options, its exit statuses and what it says, its end.
+// The built program: its options, exit statuses, messages and end.
 #include "tests/sim/simrun.h"
 #include "tests/support/patience.h"
 
@@ -83,14 +83,14 @@ private Q_SLOTS:
     void helpAndVersionNeedNoBus_data();
     void helpAndVersionNeedNoBus();
     void theManualNamesEveryOptionAndStatus();
-    void whatIsWrongHasItsLineAndItsStatus_data();
-    void whatIsWrongHasItsLineAndItsStatus();
-    void aTakenNameIsLeftToItsOwner();
-    void withoutABusThereIsNothingToServe();
+    void everyErrorHasItsLineAndItsStatus_data();
+    void everyErrorHasItsLineAndItsStatus();
+    void aTakenNameStaysWithItsOwner();
+    void withoutABusThereIsAnError();
     void aSignalEndsTheProgramInOrder_data();
     void aSignalEndsTheProgramInOrder();
     void signalsIgnoredAtTheStartStayIgnored();
-    void nameAndPathAreThoseOfTheOptions();
+    void optionsSetNameAndPath();
     void aRelativeStateDirectoryIsMadeAtTheStart();
     void noFileIsMadeWithoutNeed();
 
@@ -131,7 +131,7 @@ void TestProgram::helpAndVersionNeedNoBus_data()
     QTest::addColumn<QString>("expected");
     const QString helpOutcome = text("0|") + text(help) + text("|");
     QTest::newRow("help") << QStringList { text("--help") } << helpOutcome;
-    QTest::newRow("help by its letter") << QStringList { text("-h") } << helpOutcome;
+    QTest::newRow("help by its short option") << QStringList { text("-h") } << helpOutcome;
     QTest::newRow("help wins over the version")
         << QStringList { text("--version"), text("--help") } << helpOutcome;
     QTest::newRow("help with other options")
@@ -170,7 +170,7 @@ void TestProgram::theManualNamesEveryOptionAndStatus()
     }
 }
 
-void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
+void TestProgram::everyErrorHasItsLineAndItsStatus_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("expected");
@@ -188,7 +188,7 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
     row("a fault without its member", { text("--fault"), text("silence") },
         "1||movra-sim: The fault \"silence\" is not valid: it is not of the form "
         "MEMBER[(ID)]=FAULT[@N]. See movra-sim --help.\n");
-    row("a fault of a member that is not there", { text("--fault"), text("getvalue=silence") },
+    row("a fault of an unknown member", { text("--fault"), text("getvalue=silence") },
         "1||movra-sim: The fault \"getvalue=silence\" is not valid: the interface has no member "
         "\"getvalue\". See movra-sim --help.\n");
     row("a fault of a signal", { text("--fault"), text("SigInfo=silence") },
@@ -198,7 +198,7 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
         "1||movra-sim: The fault \"*=explode\" is not valid: \"explode\" is not delay:MS, refuse, "
         "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
         "--help.\n");
-    row("a fault with a value too many", { text("--fault"), text("*=vanish:5") },
+    row("a fault with an unwanted value", { text("--fault"), text("*=vanish:5") },
         "1||movra-sim: The fault \"*=vanish:5\" is not valid: \"vanish:5\" is not delay:MS, "
         "refuse, "
         "refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, vanish or silence. See movra-sim "
@@ -222,14 +222,14 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
     row("a negative delay", { text("--fault"), text("GetValue=delay:-1") },
         "1||movra-sim: The fault \"GetValue=delay:-1\" is not valid: \"-1\" is not in 0 to 3600000 "
         "milliseconds. See movra-sim --help.\n");
-    row("a delay beyond an hour", { text("--fault=*=delay:0"), text("--fault=*=delay:3600001") },
+    row("a delay above an hour", { text("--fault=*=delay:0"), text("--fault=*=delay:3600001") },
         "1||movra-sim: The fault \"*=delay:3600001\" is not valid: \"3600001\" is not in 0 to "
         "3600000 milliseconds. See movra-sim --help.\n");
     row("a catalogue without a name", { text("--catalog"), QString() },
         "1||movra-sim: The name of the catalogue is empty. See movra-sim --help.\n");
     row("a log without a name", { text("--log"), QString() },
         "1||movra-sim: The name of the log is empty. See movra-sim --help.\n");
-    row("a catalogue that is not there", { text("--catalog"), text("none.json") },
+    row("a missing catalogue", { text("--catalog"), text("none.json") },
         "2||movra-sim: the catalogue \"none.json\" is not valid: No such file or directory\n");
     row("a catalogue that is a directory", { text("--catalog"), text(".") },
         "2||movra-sim: the catalogue \".\" is not valid: file to open is a directory\n");
@@ -240,11 +240,11 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
         "2||movra-sim: the catalogue \"value.json\" is not valid: configs[0].value: 300000000000 "
         "does "
         "not fit int32\n");
-    row("a catalogue without end", { text("--catalog"), text("/dev/zero") },
+    row("a catalogue of infinite size", { text("--catalog"), text("/dev/zero") },
         "2||movra-sim: the catalogue \"/dev/zero\" is not valid: is larger than 16 MiB\n");
     row("a checked catalogue without a name", { text("--check"), QString() },
         "1||movra-sim: The name of the catalogue is empty. See movra-sim --help.\n");
-    row("a checked catalogue that is not there", { text("--check"), text("none.json") },
+    row("a missing checked catalogue", { text("--check"), text("none.json") },
         "2||movra-sim: the catalogue \"none.json\" is not valid: No such file or directory\n");
     row("a checked catalogue with a wrong value", { text("--check"), text("value.json") },
         "2||movra-sim: the catalogue \"value.json\" is not valid: configs[0].value: 300000000000 "
@@ -282,7 +282,7 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus_data()
         "6||movra-sim: the state directory cannot be used: its name is empty\n");
 }
 
-void TestProgram::whatIsWrongHasItsLineAndItsStatus()
+void TestProgram::everyErrorHasItsLineAndItsStatus()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, expected);
@@ -298,7 +298,7 @@ void TestProgram::whatIsWrongHasItsLineAndItsStatus()
     QCOMPARE(run(arguments), expected);
 }
 
-void TestProgram::aTakenNameIsLeftToItsOwner()
+void TestProgram::aTakenNameStaysWithItsOwner()
 {
     QProcess first;
     QVERIFY(startSimulator(first, {}));
@@ -310,7 +310,7 @@ void TestProgram::aTakenNameIsLeftToItsOwner()
     QVERIFY(endSimulator(first, SIGTERM));
 }
 
-void TestProgram::withoutABusThereIsNothingToServe()
+void TestProgram::withoutABusThereIsAnError()
 {
     environment.insert(text("DBUS_SESSION_BUS_ADDRESS"), text("unix:path=/nonexistent"));
     QCOMPARE(
@@ -367,7 +367,7 @@ void TestProgram::signalsIgnoredAtTheStartStayIgnored()
     QVERIFY(endSimulator(simulator, SIGTERM));
 }
 
-void TestProgram::nameAndPathAreThoseOfTheOptions()
+void TestProgram::optionsSetNameAndPath()
 {
     QProcess simulator;
     QVERIFY(startSimulator(

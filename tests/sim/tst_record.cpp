@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The record of calls and signals: one JSON object a line.
+// The record of calls and signals: one JSON object on each line.
 #include "tests/sim/simrun.h"
 
 #include <QDBusConnection>
@@ -48,7 +48,7 @@ private:
     {
         return stop() && start(QStringList { text("--log"), pathOf(text("record")) } + options);
     }
-    /// The lines without what differs from run to run.
+    /// The lines without times and senders.
     QStringList lines() const
     {
         static const QRegularExpression changing(
@@ -75,7 +75,7 @@ void TestRecord::aCallIsOneLine_data()
         "an answer without values", "", [](Service &s) { return s.AddToNotifyList(port); },
         R"x({"call":"AddToNotifyList","signature":"s","arguments":[":config:data:ftp:port:"],"answer":[]})x");
     row(
-        "a number of 64 bits stands as text", "",
+        "a number of 64 bits is written as text", "",
         [](Service &s) { return s.GetValue(text(":config:data:ftp:budget:")); },
         R"x({"call":"GetValue","signature":"s","arguments":[":config:data:ftp:budget:"],"answer":["18446744073709551615"]})x");
     row(
@@ -132,7 +132,7 @@ void TestRecord::aCallIsOneLine()
     QVERIFY(
         startWithRecord(fault.isEmpty() ? QStringList() : QStringList { text("--fault"), fault }));
     call(*service).waitForFinished();
-    // A line is there before its answer.
+    // A line is written before the answer is sent.
     QCOMPARE(lines(), QStringList { line });
 }
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The service as its clients see it: each method of the contract answers, nothing else does, and no
-// call brings it down.
+// The service on the bus: it answers exactly the methods of the interface, and no call ends it.
 #include "tests/sim/simrun.h"
 #include "tests/support/patience.h"
 
@@ -52,12 +51,12 @@ class TestService : public SimTest
 private Q_SLOTS:
     void everyMethodAnswers_data();
     void everyMethodAnswers();
-    void everyMethodOfTheContractIsThere();
-    void theServiceDescribesItselfWithTheContract();
+    void everyMethodOfTheInterfaceExists();
+    void introspectAnswersTheInterfaceFile();
     void otherCallsAreUnknown_data();
     void otherCallsAreUnknown();
     void aCallWithoutAnInterfaceIsAnswered();
-    void whoWantsNoReplyGetsNone();
+    void aCallWithoutAReplyGetsNone();
     void largeAndDeepArgumentsAreRefused();
 };
 
@@ -218,7 +217,7 @@ void TestService::everyMethodAnswers()
     QCOMPARE(answerTo(call(*service)), answer);
 }
 
-void TestService::everyMethodOfTheContractIsThere()
+void TestService::everyMethodOfTheInterfaceExists()
 {
     QFile file(text(MOVRA_INTERFACE_FILE));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -245,7 +244,7 @@ void TestService::everyMethodOfTheContractIsThere()
     QCOMPARE(methods, 33);
 }
 
-void TestService::theServiceDescribesItselfWithTheContract()
+void TestService::introspectAnswersTheInterfaceFile()
 {
     QFile file(text(MOVRA_INTERFACE_FILE));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -311,7 +310,7 @@ void TestService::aCallWithoutAnInterfaceIsAnswered()
              text("s 'config result action'"));
 }
 
-void TestService::whoWantsNoReplyGetsNone()
+void TestService::aCallWithoutAReplyGetsNone()
 {
     QProcess monitor;
     monitor.start(text("dbus-monitor"), { text("--session") });
@@ -320,7 +319,7 @@ void TestService::whoWantsNoReplyGetsNone()
         seen += monitor.readAllStandardOutput();
         return seen.contains(wanted);
     };
-    // The monitor is at work once it shows a call.
+    // The monitor has started when it shows a call.
     const auto showsACall = [this, &sees] {
         service->DBusServerStatus().waitForFinished();
         return sees("member=DBusServerStatus");

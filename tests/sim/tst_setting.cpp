@@ -14,8 +14,8 @@ class TestSetting : public SimTest
 private Q_SLOTS:
     void textBecomesTheTypeOfTheItem_data();
     void textBecomesTheTypeOfTheItem();
-    void typedValuesAreTakenAsTheyAre_data();
-    void typedValuesAreTakenAsTheyAre();
+    void typedValuesAreSetUnchanged_data();
+    void typedValuesAreSetUnchanged();
     void whatDoesNotFitIsRefused_data();
     void whatDoesNotFitIsRefused();
     void aListIsSetInOrder();
@@ -59,7 +59,7 @@ void TestSetting::textBecomesTheTypeOfTheItem()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestSetting::typedValuesAreTakenAsTheyAre_data()
+void TestSetting::typedValuesAreSetUnchanged_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QVariant>("value");
@@ -94,7 +94,7 @@ void TestSetting::typedValuesAreTakenAsTheyAre_data()
         "v <[-9223372036854775807]>");
 }
 
-void TestSetting::typedValuesAreTakenAsTheyAre()
+void TestSetting::typedValuesAreSetUnchanged()
 {
     QFETCH(QString, id);
     QFETCH(QVariant, value);
