@@ -105,7 +105,7 @@ void Actions::drive(const Action &action, int percent)
     }
     const Item &item = items.at(action.drivenItem);
     log.record(LogLevel::Info, item.id, "driven to %1 by %2"_q.arg(percent).arg(shown(action.id)));
-    items.assign({ { action.drivenItem, valueFromText(item.type, QString::number(percent), {}) } });
+    items.assign({ { action.drivenItem, item.type->fromText(QString::number(percent), {}) } });
 }
 
 void Actions::end(int index)
@@ -171,7 +171,7 @@ void Timeline::carryOut(const Moment &moment)
     const Item &item = items.at(moment.item);
     if (moment.value.isValid()) {
         log.record(LogLevel::Info, item.id,
-                   "changed to "_q + shown(valueToText(item.type, moment.value)));
+                   "changed to "_q + shown(item.type->toText(moment.value)));
     }
     if (moment.status) {
         log.record(LogLevel::Info, item.id, "has status %1"_q.arg(*moment.status));

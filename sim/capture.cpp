@@ -59,7 +59,7 @@ public:
         text.chop(2);
         text += "\n}\n";
         showProgress(true);
-        if (text.size() > StateFiles::mostBytes) {
+        if (text.size() > mostBytesOfFile) {
             throw failure("the catalogue is larger than 16 MiB"_q);
         }
         return text;
@@ -133,26 +133,24 @@ private:
                 throw failure("%1: the answer is about %2"_q.arg(quoted(id), quoted(found.id)));
             }
             const QString signature = signatureOf(found.value);
-            const auto type = typeWithSignature(signature);
-            if (!type) {
+            const ValueType *type = typeWithSignature(signature);
+            if (type == nullptr) {
                 skip(id,
                      "a catalogue has no type for a value of D-Bus type "_q + quoted(signature));
                 continue;
             }
-            // What is beyond the limits of a catalogue is refused here.
-            try {
-                const QVariant value = valueFromBus(*type, found.value, { {}, {}, "its value"_q });
-                Line entry;
-                entry["id"] = id.toStdString();
-                entry["type"] = typeName(*type).toStdString();
-                entry["value"] = valueToJson(*type, value);
-                if (found.status != 0) {
-                    entry["status"] = found.status;
-                }
-                entries.append(entry);
-            } catch (const Refusal &refusal) {
-                skip(id, refusal.sentence);
+            if (const QString reason = type->excess(found.value); !reason.isNull()) {
+                skip(id, "its value: "_q + reason);
+                continue;
             }
+            Line entry;
+            entry["id"] = id.toStdString();
+            entry["type"] = type->name;
+            entry["value"] = type->toJson(type->fromBus(found.value, {}));
+            if (found.status != 0) {
+                entry["status"] = found.status;
+            }
+            entries.append(entry);
         }
         return entries;
     }

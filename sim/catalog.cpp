@@ -25,24 +25,20 @@ static void nameResources()
 namespace
 {
 
-constexpr int longestDuration = 3600000;
-
-/// `at` is how many bytes have been read when the fault is seen.
-Refusal syntaxFault(const QByteArray &text, qint64 at, const QString &reason, const Place &place)
-{
-    const QByteArray before = text.left(static_cast<int>(at - 1));
-    const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
-    return place.in("line %1, column %2"_q.arg(before.count('\n') + 1).arg(column))
-        .refusal(shown(reason));
-}
-
 /// Parses a text that must hold one object.
 Json parseJson(const QByteArray &text, const Place &place)
 {
     constexpr int deepest = 100;
     std::istringstream stream(text.toStdString());
-    const auto position = [&stream] {
+    const auto position = [&stream]() -> qint64 {
         return stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in);
+    };
+    // `at` is how many bytes have been read when the fault is seen.
+    const auto wrong = [&](qint64 at, const QString &reason) {
+        const QByteArray before = text.left(static_cast<int>(at - 1));
+        const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
+        return place.in("line %1, column %2"_q.arg(before.count('\n') + 1).arg(column))
+            .refusal(shown(reason));
     };
     std::vector<std::set<std::string>> keys;
     const auto check = [&](int depth, Json::parse_event_t event, const Json &parsed) {
@@ -51,42 +47,38 @@ Json parseJson(const QByteArray &text, const Place &place)
         } else if (event == Json::parse_event_t::object_end) {
             keys.pop_back();
         } else if (event == Json::parse_event_t::key
-                   && !keys.back().insert(parsed.get<std::string>()).second) {
-            const QString key = QString::fromStdString(parsed.get<std::string>());
-            throw syntaxFault(text, position(), "the key %1 is there already"_q.arg(quoted(key)),
-                              place);
+                   && !keys.back().insert(parsed.get_ref<const std::string &>()).second) {
+            throw wrong(position(), "the key %1 is there already"_q.arg(quoted(textOf(parsed))));
         }
         if (depth > deepest) {
-            throw syntaxFault(text, position(), "nested too deeply"_q, place);
+            throw wrong(position(), "nested too deeply"_q);
         }
         return true;
     };
     // What the library says of this depends on its version.
     if (text.isEmpty()) {
-        throw syntaxFault(text, 1, "is empty"_q, place);
+        throw wrong(1, "is empty"_q);
     }
     // The parser takes U+0000 for the end.
     if (const int nul = text.indexOf('\0'); nul >= 0) {
-        throw syntaxFault(text, nul + 1, "U+0000 is no character of JSON"_q, place);
+        throw wrong(nul + 1, "U+0000 is no character of JSON"_q);
     }
+    Json json;
     try {
-        Json json = Json::parse(stream, check);
-        if (!json.is_object()) {
-            throw syntaxFault(text, 1, "is %1, not an object"_q.arg(jsonKind(json)), place);
-        }
-        return json;
+        json = Json::parse(stream, check);
     } catch (const Json::exception &error) {
         const auto *syntax = dynamic_cast<const Json::parse_error *>(&error);
-        const auto at =
-            syntax == nullptr ? static_cast<qint64>(position()) : static_cast<qint64>(syntax->byte);
+        const qint64 at = syntax == nullptr ? position() : static_cast<qint64>(syntax->byte);
         // What the library says begins with its own name and the place.
         static const QRegularExpression beginning(
             "\\A\\[[^]]*\\] (parse error at line \\d+, column \\d+: )?"_q);
-        throw syntaxFault(text, at, QString::fromUtf8(error.what()).remove(beginning), place);
+        throw wrong(at, QString::fromUtf8(error.what()).remove(beginning));
     }
+    needKind(json.is_object(), json, "an object", place.in("line 1, column 1"_q));
+    return json;
 }
 
-/// Takes the fields of one object, each at most once.
+/// Takes the fields of one object. The first argument of every function is the name of a field.
 class Fields
 {
 public:
@@ -94,9 +86,7 @@ public:
         : object(value)
         , place(std::move(whereItIs))
     {
-        if (!object.is_object()) {
-            throw place.refusal("is %1, not an object"_q.arg(jsonKind(object)));
-        }
+        needKind(object.is_object(), object, "an object", place);
     }
 
     Place in(const char *key) const { return place.in(QString::fromLatin1(key)); }
@@ -105,7 +95,7 @@ public:
         return in(key).refusal(reason);
     }
 
-    /// A field that need not be there; null: it is not.
+    /// A field that may be missing: null then.
     const Json *find(const char *key)
     {
         if (!taken.contains(QLatin1String(key))) {
@@ -114,7 +104,6 @@ public:
         const auto found = object.find(key);
         return found == object.end() ? nullptr : &*found;
     }
-    /// A field that must be there.
     const Json &need(const char *key)
     {
         const Json *found = find(key);
@@ -123,9 +112,14 @@ public:
         }
         return *found;
     }
-    QString text(const char *key)
+    QVariant value(const char *key, const ValueType &type)
     {
-        return valueFromJson(ValueType::String, need(key), in(key)).toString();
+        return type.fromJson(need(key), in(key));
+    }
+    QString text(const char *key) { return value(key, *typeNamed("string"_q)).toString(); }
+    QString text(const char *key, const QString &otherwise)
+    {
+        return find(key) == nullptr ? otherwise : text(key);
     }
     QString name(const char *key)
     {
@@ -135,39 +129,44 @@ public:
         }
         return found;
     }
-    const Json &array(const char *key)
-    {
-        const Json &found = need(key);
-        if (!found.is_array()) {
-            throw refusal(key, "is %1, not an array"_q.arg(jsonKind(found)));
-        }
-        return found;
-    }
-    /// The whole number of a field that need not be there.
-    int integer(const char *key, int least, int greatest, int otherwise)
+    int integer(const char *key, int otherwise, int least = std::numeric_limits<int>::min(),
+                int greatest = std::numeric_limits<int>::max())
     {
         const Json *found = find(key);
         if (found == nullptr) {
             return otherwise;
         }
-        if (!found->is_number()) {
-            throw refusal(key, "is %1, not a number"_q.arg(jsonKind(*found)));
-        }
-        const int number = valueFromJson(ValueType::Int32, *found, in(key)).toInt();
+        needKind(found->is_number(), *found, "a number", in(key));
+        const int number = value(key, *typeNamed("int32"_q)).toInt();
         if (number < least || number > greatest) {
             throw refusal(key, "%1 is not in %2 to %3"_q.arg(number).arg(least).arg(greatest));
         }
         return number;
     }
-    /// The value of a field whose type another field names.
-    QVariant value(ValueType type, const char *key)
+    /// Reads each element of an array, with its place.
+    template <typename Read> void elements(const char *key, Read read)
     {
-        return valueFromJson(type, need(key), in(key));
+        const Json &array = need(key);
+        needKind(array.is_array(), array, "an array", in(key));
+        int index = 0;
+        for (const Json &each : array) {
+            read(each, in(key).at(index++));
+        }
+    }
+    /// Reads each element of an array of objects, which may have a description as well.
+    template <typename Read> void objects(const char *key, Read read)
+    {
+        elements(key, [&read](const Json &each, const Place &at) {
+            Fields fields(each, at);
+            read(fields);
+            fields.text("description", {});
+            fields.refuseOthers();
+        });
     }
     /// Refuses the first field that nobody has taken.
     void refuseOthers() const
     {
-        for (auto field = object.begin(); field != object.end(); ++field) {
+        for (const auto &field : object.items()) {
             const QString key = QString::fromStdString(field.key());
             if (!taken.contains(key)) {
                 throw place.in(shown(key))
@@ -186,41 +185,24 @@ private:
 class CatalogReader
 {
 public:
-    explicit CatalogReader(Catalog &target)
-        : catalog(target)
+    Catalog read(Fields top)
     {
-    }
-
-    void read(Fields &top)
-    {
-        readEntries(top, "configs", [this](Fields &fields) { readItem(fields, ItemKind::Config); });
-        readEntries(top, "results", [this](Fields &fields) { readItem(fields, ItemKind::Result); });
-        readEntries(top, "actions", [this](Fields &fields) { readAction(fields); });
+        top.objects("configs", [this](Fields &fields) { readItem(fields, ItemKind::Config); });
+        top.objects("results", [this](Fields &fields) { readItem(fields, ItemKind::Result); });
+        top.objects("actions", [this](Fields &fields) { readAction(fields); });
         catalog.logs = readNames(top, "logs", isLogName, "a name without blanks and colons");
         catalog.debugLogs =
             readNames(top, "debugLogs", isDebugLogName, "LOG_ and a name in upper case");
         if (top.find("timeline") != nullptr) {
-            readEntries(top, "timeline", [this](Fields &fields) { readMoment(fields); });
+            top.objects("timeline", [this](Fields &fields) { readMoment(fields); });
         }
-        if (top.find("$schema") != nullptr) {
-            top.text("$schema");
-        }
+        top.text("$schema", {});
         top.refuseOthers();
+        return catalog;
     }
 
 private:
-    template <typename Read> static void readEntries(Fields &top, const char *key, Read read)
-    {
-        int index = 0;
-        for (const Json &entry : top.array(key)) {
-            Fields fields(entry, top.in(key).at(index++));
-            read(fields);
-            if (fields.find("description") != nullptr) {
-                fields.text("description");
-            }
-            fields.refuseOthers();
-        }
-    }
+    static constexpr int longestDuration = 3600000;
 
     QString readId(Fields &fields)
     {
@@ -234,18 +216,15 @@ private:
 
     void readItem(Fields &fields, ItemKind kind)
     {
-        Item item;
-        item.id = readId(fields);
-        item.kind = kind;
-        const QString typeText = fields.name("type");
-        const auto type = typeNamed(typeText);
-        if (!type) {
+        Item item { readId(fields), kind };
+        const QString typeName = fields.name("type");
+        item.type = typeNamed(typeName);
+        if (item.type == nullptr) {
             throw fields.refusal(
-                "type", "%1 is not a type; types are %2"_q.arg(quoted(typeText), typeNames()));
+                "type", "%1 is not a type; types are %2"_q.arg(quoted(typeName), typeNames()));
         }
-        item.type = *type;
-        item.value = fields.value(item.type, "value");
-        item.status = readStatus(fields);
+        item.value = fields.value("value", *item.type);
+        item.status = fields.integer("status", 0);
         indexes[item.id] = catalog.items.size();
         catalog.items.append(item);
     }
@@ -254,8 +233,8 @@ private:
     {
         Action action;
         action.id = readId(fields);
-        action.reply = fields.find("reply") == nullptr ? "started"_q : fields.text("reply");
-        action.duration = fields.integer("duration", 0, longestDuration, 0);
+        action.reply = fields.text("reply", "started"_q);
+        action.duration = fields.integer("duration", 0, 0, longestDuration);
         if (fields.find("drive") != nullptr) {
             const QString id = fields.name("drive");
             action.drivenItem = indexes.value(id, -1);
@@ -267,8 +246,7 @@ private:
         if (fields.find("ends") == nullptr) {
             action.ends.append({ "SigTestComplete"_q, { action.id } });
         } else {
-            readEntries(fields, "ends",
-                        [&action](Fields &end) { action.ends.append(readSignal(end)); });
+            fields.objects("ends", [&](Fields &end) { action.ends.append(readSignal(end)); });
         }
         catalog.actions.append(action);
     }
@@ -276,11 +254,11 @@ private:
     void readMoment(Fields &fields)
     {
         Moment moment;
-        moment.every = fields.integer("every", 1, longestDuration, 0);
+        moment.every = fields.integer("every", 0, 1, longestDuration);
         if (moment.every == 0) {
             fields.need("at");
         }
-        moment.at = fields.integer("at", 0, longestDuration, moment.every);
+        moment.at = fields.integer("at", moment.every, 0, longestDuration);
         if (fields.find("id") == nullptr) {
             moment.signal = readSignal(fields);
         } else {
@@ -290,24 +268,18 @@ private:
                 throw fields.refusal("id", "%1 is not a config or a result"_q.arg(quoted(id)));
             }
             if (fields.find("status") != nullptr) {
-                moment.status = readStatus(fields);
+                moment.status = fields.integer("status", 0);
             }
             if (!moment.status || fields.find("value") != nullptr) {
-                moment.value = fields.value(catalog.items.at(moment.item).type, "value");
+                moment.value = fields.value("value", *catalog.items.at(moment.item).type);
             }
         }
         catalog.timeline.append(moment);
     }
 
-    static int readStatus(Fields &fields)
-    {
-        return fields.integer("status", std::numeric_limits<int>::min(),
-                              std::numeric_limits<int>::max(), 0);
-    }
-
     static bool isDriven(const Item &item)
     {
-        return item.kind == ItemKind::Result && isNumber(item.type);
+        return item.kind == ItemKind::Result && item.type->isNumber;
     }
 
     static Signal readSignal(Fields &fields)
@@ -324,13 +296,12 @@ private:
         }
         signal.arguments.append(fields.text("message"));
         if (signal.member == withData) {
-            const QString typeText = fields.name("type");
-            const auto type = typeNamed(typeText);
-            if (type != ValueType::DoubleArray && type != ValueType::Uint32Array) {
+            const QString typeName = fields.name("type");
+            if (typeName != "double[]"_q && typeName != "uint32[]"_q) {
                 throw fields.refusal("type",
-                                     "%1 is neither double[] nor uint32[]"_q.arg(quoted(typeText)));
+                                     "%1 is neither double[] nor uint32[]"_q.arg(quoted(typeName)));
             }
-            signal.arguments.append(fields.value(*type, "data"));
+            signal.arguments.append(fields.value("data", *typeNamed(typeName)));
         }
         return signal;
     }
@@ -340,23 +311,21 @@ private:
     {
         QStringList names;
         QSet<QString> known;
-        for (const Json &entry : top.array(key)) {
-            const Place place = top.in(key).at(names.size());
-            const QString name =
-                entry.is_string() ? QString::fromStdString(entry.get<std::string>()) : QString();
+        top.elements(key, [&](const Json &each, const Place &at) {
+            const QString name = each.is_string() ? textOf(each) : QString();
             if (!isName(name)) {
-                throw place.refusal("is not %1"_q.arg(QLatin1String(formInWords)));
+                throw at.refusal("is not %1"_q.arg(QLatin1String(formInWords)));
             }
             if (known.contains(name)) {
-                throw place.refusal("%1 is there already"_q.arg(quoted(name)));
+                throw at.refusal("%1 is there already"_q.arg(quoted(name)));
             }
             known.insert(name);
             names.append(name);
-        }
+        });
         return names;
     }
 
-    Catalog &catalog;
+    Catalog catalog;
     QHash<QString, int> indexes; ///< of every identifier: its item's place, or -1
 };
 
@@ -378,10 +347,7 @@ Catalog readCatalog(const QByteArray &text, const QString &intro)
 {
     const Place place { "Catalog"_q, intro };
     const Json json = parseJson(text, place);
-    Fields top(json, place);
-    Catalog catalog;
-    CatalogReader(catalog).read(top);
-    return catalog;
+    return CatalogReader().read(Fields(json, place));
 }
 
 Catalog loadCatalog(const QString &fileName)
@@ -389,17 +355,8 @@ Catalog loadCatalog(const QString &fileName)
     if (fileName.isEmpty()) {
         return readCatalog(builtIn("catalog.json"_q));
     }
-    const QString intro = "the catalogue %1 is not valid: "_q.arg(quoted(fileName));
-    QFile file(fileName);
-    const QByteArray bytes =
-        file.open(QIODevice::ReadOnly) ? file.read(StateFiles::mostBytes + 1) : QByteArray();
-    if (file.error() != QFileDevice::NoError) {
-        throw Refusal { "Catalog"_q, intro + file.errorString() };
-    }
-    if (bytes.size() > StateFiles::mostBytes) {
-        throw Refusal { "Catalog"_q, intro + "is larger than 16 MiB"_q };
-    }
-    return readCatalog(bytes, intro);
+    const Place place { "Catalog"_q, {}, "the catalogue %1 is not valid"_q.arg(quoted(fileName)) };
+    return readCatalog(readFile(fileName, "is larger than 16 MiB"_q, place), place.path + ": "_q);
 }
 
 QByteArray builtIn(const QString &name)
@@ -416,37 +373,33 @@ QByteArray writeConfigs(const Items &items)
     for (int index = 0; index < items.count(); ++index) {
         const Item &item = items.at(index);
         if (item.kind == ItemKind::Config) {
-            configs[item.id.toStdString()] = valueToJson(item.type, item.value);
+            configs[item.id.toStdString()] = item.type->toJson(item.value);
         }
     }
     const Json saved { { "format", 1 }, { "configs", std::move(configs) } };
     return QByteArray::fromStdString(saved.dump(indentation)) + '\n';
 }
 
-QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const QString &intro,
-                                const QString &after)
+QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const Place &place)
 {
-    const Place place { "File"_q, intro, {}, after };
     const Json json = parseJson(text, place);
     Fields top(json, place);
     if (top.need("format") != Json(1)) {
         throw top.refusal("format", "is not 1"_q);
     }
     const Json &configs = top.need("configs");
-    if (!configs.is_object()) {
-        throw top.refusal("configs", "is %1, not an object"_q.arg(jsonKind(configs)));
-    }
+    needKind(configs.is_object(), configs, "an object", top.in("configs"));
     top.refuseOthers();
 
     QVector<Assignment> assignments;
-    for (auto field = configs.begin(); field != configs.end(); ++field) {
+    for (const auto &field : configs.items()) {
         const QString id = QString::fromStdString(field.key());
         const Place at = place.in("configs[%1]"_q.arg(quoted(id)));
         const int index = items.indexOf(id);
         if (index < 0 || items.at(index).kind != ItemKind::Config) {
             throw at.refusal("is not a config here"_q);
         }
-        assignments.append({ index, valueFromJson(items.at(index).type, *field, at) });
+        assignments.append({ index, items.at(index).type->fromJson(field.value(), at) });
     }
     return assignments;
 }

@@ -38,6 +38,5 @@ QByteArray builtIn(const QString &name);
 
 /// The text that readConfigs() reads back without loss.
 QByteArray writeConfigs(const Items &items);
-/// The values in a saved text; `intro` and `after` surround the sentence of a refusal.
-QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const QString &intro,
-                                const QString &after);
+/// The values in a saved text; `place` says how a refusal begins and ends.
+QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const Place &place);

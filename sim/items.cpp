@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sim/items.h"
 
+#include <nlohmann/json.hpp>
 #include <utility>
 
 Items::Items(QVector<Item> catalogue, Announcer &announcerOfUpdates)
@@ -32,8 +33,10 @@ void Items::assign(const QVector<Assignment> &assignments)
         Item &item = all[assignment.index];
         const QVariant value = assignment.value.isValid() ? assignment.value : item.value;
         const int status = assignment.status.value_or(item.status);
+        // As JSON, nan is the same as nan.
         if (listed.contains(assignment.index)
-            && (status != item.status || !sameValue(item.type, item.value, value))) {
+            && (status != item.status
+                || item.type->toJson(item.value) != item.type->toJson(value))) {
             of(item.kind).pending.insert(assignment.index, true);
         }
         item.value = value;
@@ -100,6 +103,6 @@ void Items::announce(ItemKind kind)
     for (auto each = changed.keyBegin(); each != changed.keyEnd(); ++each) {
         const Item &item = at(*each);
         announcer.send(
-            { "SigUpdate"_q, { item.id + QLatin1Char('=') + valueToText(item.type, item.value) } });
+            { "SigUpdate"_q, { item.id + QLatin1Char('=') + item.type->toText(item.value) } });
     }
 }

@@ -25,8 +25,8 @@ enum class ItemKind { Config, Result };
 struct Item {
     QString id;
     ItemKind kind = ItemKind::Config;
-    ValueType type = ValueType::String;
-    QVariant value; ///< as the bus carries it
+    const ValueType *type = nullptr; ///< never null in a catalogue
+    QVariant value = {}; ///< as the bus carries it
     int status = 0;
 };
 

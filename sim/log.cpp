@@ -10,6 +10,7 @@
 #include <QDBusObjectPath>
 #include <QDBusSignature>
 #include <QDBusVariant>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <iterator>
@@ -21,8 +22,6 @@
 namespace
 {
 
-constexpr uint mostInstances = 256;
-
 constexpr const char *levelWords[] = { "ERROR",  "INFO",   "DEBUG", "DEBUG1",
                                        "DEBUG2", "DEBUG3", "DEBUG4" };
 
@@ -31,53 +30,46 @@ Refusal badValue(const QString &sentence)
     return { "BadValue"_q, sentence };
 }
 
-Refusal malformed(const QString &value, const char *wanted)
+Refusal malformed(const QString &value, const QString &wanted)
 {
-    return badValue(
-        "%1 is not of the form %2."_q.arg(quoted(value), quoted(QString::fromLatin1(wanted))));
+    return badValue("%1 is not of the form %2."_q.arg(quoted(value), quoted(wanted)));
+}
+
+/// No log has this name, which is no identifier that a log could note.
+Refusal unknownLog(const QString &name)
+{
+    return { "UnknownId"_q, unknownId(name).sentence };
 }
 
 Json jsonOf(const QVariant &value);
 
-Json jsonOf(const QDBusArgument &argument)
+template <typename List> Json jsonOfAll(const List &values)
 {
     Json list = Json::array();
-    switch (argument.currentType()) {
-    case QDBusArgument::ArrayType:
-        for (argument.beginArray(); !argument.atEnd();) {
-            list.push_back(jsonOf(argument));
-        }
-        argument.endArray();
-        return list;
-    case QDBusArgument::StructureType:
-        for (argument.beginStructure(); !argument.atEnd();) {
-            list.push_back(jsonOf(argument));
-        }
-        argument.endStructure();
-        return list;
-    case QDBusArgument::MapType:
-        for (argument.beginMap(); !argument.atEnd(); argument.endMapEntry()) {
-            argument.beginMapEntry();
-            const Json key = jsonOf(argument);
-            list.push_back({ key, jsonOf(argument) });
-        }
-        argument.endMap();
-        return list;
-    default:
-        return jsonOf(argument.asVariant());
-    }
-}
-
-template <typename Record> Json jsonOfAll(const QVariant &records)
-{
-    Json list = Json::array();
-    for (const Record &each : records.value<QList<Record>>()) {
+    for (const auto &each : values) {
         list.push_back(jsonOf(QVariant::fromValue(each)));
     }
     return list;
 }
 
-/// A value of a message, as a catalogue would have it; records become arrays.
+/// Arrays, records and dictionaries become arrays; an entry of a dictionary is one of two elements.
+Json jsonOf(const QDBusArgument &argument)
+{
+    const QDBusArgument::ElementType type = argument.currentType();
+    if (type == QDBusArgument::BasicType || type == QDBusArgument::VariantType) {
+        return jsonOf(argument.asVariant());
+    }
+    Json list = Json::array();
+    // Qt D-Bus enters every kind of container in the same way.
+    argument.beginStructure();
+    while (!argument.atEnd()) {
+        list.push_back(jsonOf(argument));
+    }
+    argument.endStructure();
+    return list;
+}
+
+/// A value of a message, as a catalogue would have it.
 Json jsonOf(const QVariant &value)
 {
     const int type = value.userType();
@@ -96,36 +88,28 @@ Json jsonOf(const QVariant &value)
         return { record.id.toStdString(), jsonOf(record.value), record.status };
     }
     if (type == qMetaTypeId<QList<IdValueStruct>>()) {
-        return jsonOfAll<IdValueStruct>(value);
+        return jsonOfAll(value.value<QList<IdValueStruct>>());
     }
     if (type == qMetaTypeId<QList<IdValueStatusStruct>>()) {
-        return jsonOfAll<IdValueStatusStruct>(value);
+        return jsonOfAll(value.value<QList<IdValueStatusStruct>>());
     }
     if (type == qMetaTypeId<QList<int>>()) {
-        return jsonOfAll<int>(value);
+        return jsonOfAll(value.value<QList<int>>());
     }
-    if (const auto known = typeWithSignature(signatureOf(value))) {
-        return valueToJson(*known, value);
+    if (const ValueType *known = typeWithSignature(signatureOf(value))) {
+        return known->toJson(value);
     }
     if (type == QMetaType::QByteArray) {
         const QByteArray bytes = value.toByteArray();
         return std::vector<unsigned char>(bytes.begin(), bytes.end());
     }
-    return type == qMetaTypeId<QDBusObjectPath>()
-        ? value.value<QDBusObjectPath>().path().toStdString()
-        : type == qMetaTypeId<QDBusSignature>()
-        ? value.value<QDBusSignature>().signature().toStdString()
-        : value.toString().toStdString();
-}
-
-Json jsonOfArguments(const QDBusMessage &message)
-{
-    Json list = Json::array();
-    const QVariantList arguments = message.arguments();
-    for (const QVariant &each : arguments) {
-        list.push_back(jsonOf(each));
+    if (type == qMetaTypeId<QDBusObjectPath>()) {
+        return value.value<QDBusObjectPath>().path().toStdString();
     }
-    return list;
+    if (type == qMetaTypeId<QDBusSignature>()) {
+        return value.value<QDBusSignature>().signature().toStdString();
+    }
+    return value.toString().toStdString();
 }
 
 /// The fields of an identifier, which colons surround and separate.
@@ -149,24 +133,15 @@ Record::Record(const QString &fileName)
     }
 }
 
-void Record::noteCall(const QDBusMessage &call, const QDBusMessage *answer)
-{
-    write("call", call, answer);
-}
-
-void Record::noteSignal(const QDBusMessage &signal)
-{
-    write("signal", signal, nullptr);
-}
-
-void Record::write(const char *kind, const QDBusMessage &message, const QDBusMessage *answer)
+void Record::note(const QDBusMessage &message, const QDBusMessage *answer)
 {
     if (!file.isOpen()) {
         return;
     }
     nlohmann::ordered_json line;
     line["time"] = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
-    line[kind] = message.member().toStdString();
+    line[message.type() == QDBusMessage::SignalMessage ? "signal" : "call"] =
+        message.member().toStdString();
     if (!message.service().isEmpty()) {
         line["sender"] = message.service().toStdString();
     }
@@ -176,12 +151,12 @@ void Record::write(const char *kind, const QDBusMessage &message, const QDBusMes
         signature += signatureOf(each);
     }
     line["signature"] = signature.toStdString();
-    line["arguments"] = jsonOfArguments(message);
+    line["arguments"] = jsonOfAll(arguments);
     if (answer != nullptr && answer->type() == QDBusMessage::ErrorMessage) {
         line["refusal"] = { { "name", answer->errorName().toStdString() },
                             { "sentence", answer->errorMessage().toStdString() } };
     } else if (answer != nullptr) {
-        line["answer"] = jsonOfArguments(*answer);
+        line["answer"] = jsonOfAll(answer->arguments());
     }
     const QByteArray bytes = QByteArray::fromStdString(line.dump()) + '\n';
     if (file.write(bytes) != bytes.size()) {
@@ -211,7 +186,7 @@ void Announcer::send(const Signal &signal)
 {
     QDBusMessage message = QDBusMessage::createSignal(path, "varn.pim"_q, signal.member);
     message.setArguments(signal.arguments);
-    record.noteSignal(message);
+    record.note(message);
     connection.send(message);
 }
 
@@ -235,9 +210,8 @@ void Log::record(LogLevel level, const QString &id, const QString &text)
     if (file && level <= reportingLevel) {
         const QString name = "LOG_"_q + fields.value(1).toUpper();
         const uint number = fields.isEmpty() ? 0 : fields.last().toUInt();
-        const uint instance = number < mostInstances ? number : 0;
         const auto found = debugLogs.constFind(name);
-        if (found != debugLogs.constEnd() && !found->contains(instance)) {
+        if (found != debugLogs.constEnd() && !found->test(number < found->size() ? number : 0)) {
             const QLatin1String word(levelWords[static_cast<std::size_t>(level)]);
             write("%1 %2 %3\n"_q.arg(word, name, entry));
         }
@@ -252,7 +226,7 @@ void Log::write(const QString &line)
 {
     const QByteArray bytes = line.toUtf8();
     QString problem;
-    if (file->size() + bytes.size() > StateFiles::mostBytes) {
+    if (file->size() + bytes.size() > mostBytesOfFile) {
         problem = "it would be larger than 16 MiB"_q;
     } else if (file->write(bytes) != bytes.size()) {
         problem = file->errorString();
@@ -266,7 +240,7 @@ void Log::write(const QString &line)
 void Log::check(const QString &name) const
 {
     if (!logs.contains(name)) {
-        throw Refusal { "UnknownId"_q, unknownId(name).sentence };
+        throw unknownLog(name);
     }
 }
 
@@ -297,47 +271,42 @@ void Log::command(const QString &word, const QString &value)
 void Log::setInstances(const QString &value, bool isOne)
 {
     // A client may send many millions of commas.
-    constexpr int longestValue = 100000;
-    QStringList parts = value.left(longestValue).split(QLatin1Char(','));
-    for (QString &part : parts) {
-        part = part.trimmed();
-    }
-    const bool isOff = parts.last() == "DISABLED"_q;
+    constexpr int longestValue = 2000;
+    static const QRegularExpression comma("\\s*,\\s*"_q);
+    const QStringList parts = value.left(longestValue).trimmed().split(comma);
     bool isNumber = !isOne;
     const uint instance = isOne ? parts.value(1).toUInt(&isNumber) : 0;
+    const bool isOff = parts.last() == "DISABLED"_q;
     if (value.size() > longestValue || parts.size() != (isOne ? 3 : 2) || !isNumber
-        || instance >= mostInstances || (!isOff && parts.last() != "ENABLED"_q)) {
+        || instance >= Instances().size() || (!isOff && parts.last() != "ENABLED"_q)) {
         throw malformed(value,
-                        isOne ? "<log>, <instance 0 to 255>, ENABLED|DISABLED"
-                              : "<log>, ENABLED|DISABLED");
+                        isOne ? "<log>, <instance 0 to 255>, ENABLED|DISABLED"_q
+                              : "<log>, ENABLED|DISABLED"_q);
     }
     const auto found = debugLogs.find(parts.first());
     if (found == debugLogs.end()) {
-        throw Refusal { "UnknownId"_q, unknownId(parts.first()).sentence };
+        throw unknownLog(parts.first());
     }
-    for (uint each = isOne ? instance : 0; each <= (isOne ? instance : mostInstances - 1); ++each) {
-        if (isOff) {
-            found->insert(each);
-        } else {
-            found->remove(each);
-        }
+    if (isOne) {
+        found->set(instance, isOff);
+    } else {
+        *found = isOff ? Instances().set() : Instances();
     }
 }
 
 void Log::setReportingLevel(const QString &value)
 {
-    const auto *word =
-        std::find_if(std::begin(levelWords), std::end(levelWords),
-                     [&value](const char *each) { return value == QLatin1String(each); });
+    const auto *word = std::find_if(std::begin(levelWords), std::end(levelWords),
+                                    [&](const char *each) { return value == QLatin1String(each); });
     if (word == std::end(levelWords)) {
-        throw malformed(value, "ERROR|INFO|DEBUG|DEBUG1|DEBUG2|DEBUG3|DEBUG4");
+        throw malformed(value, "ERROR|INFO|DEBUG|DEBUG1|DEBUG2|DEBUG3|DEBUG4"_q);
     }
     reportingLevel = static_cast<LogLevel>(word - std::begin(levelWords));
 }
 
 void Log::saveTo(const QString &value)
 {
-    // A client names a path of its own world; the file lies in the state directory all the same.
+    // A client names a path of its own world; the file is in the state directory all the same.
     fileName = value.mid(value.lastIndexOf(QLatin1Char('/')) + 1);
     file = files.create(fileName);
     announcer.info("debug log goes to %1"_q.arg(files.pathOf(fileName)));

@@ -9,11 +9,11 @@
 #include <QDBusMessage>
 #include <QFile>
 #include <QHash>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
+#include <bitset>
 #include <memory>
 
 /// One signal of the interface.
@@ -29,16 +29,12 @@ public:
     /// Opens the file, which may be `-` for standard output; an empty name means no record.
     explicit Record(const QString &fileName);
 
-    /// Notes a call and its answer; null: it gets none.
-    void noteCall(const QDBusMessage &call, const QDBusMessage *answer);
-    /// Notes a signal that is sent.
-    void noteSignal(const QDBusMessage &signal);
+    /// Notes a call with its answer, if it gets one, or a signal that is sent.
+    void note(const QDBusMessage &message, const QDBusMessage *answer = nullptr);
     /// Refuses to go on when a line could not be written; the event loop ends then.
     void check() const;
 
 private:
-    void write(const char *kind, const QDBusMessage &message, const QDBusMessage *answer);
-
     QFile file;
     QString problem;
 };
@@ -94,7 +90,8 @@ private:
     void write(const QString &line);
 
     QHash<QString, bool> logs; ///< by name, whether entries are announced
-    QHash<QString, QSet<uint>> debugLogs; ///< by name, the instances that are off
+    using Instances = std::bitset<256>;
+    QHash<QString, Instances> debugLogs; ///< by name, which instances are off
     LogLevel reportingLevel = LogLevel::Info;
     StateFiles &files;
     Announcer &announcer;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 #include <utility>
 
 namespace
@@ -20,30 +21,39 @@ Refusal badValue(const QString &sentence)
     return { "BadValue"_q, sentence };
 }
 
-// What the reading calls show of an item, and how many bytes that takes in a message, at most.
+// What the reading calls tell of an item.
 
-struct ShownStatus {
-    static int of(const Item &item) { return item.status; }
-    static int alone(const Item &item) { return item.status; }
-    static qint64 size(const Item & /*item*/) { return sizeof(int); }
-};
+int statusOf(const Item &item)
+{
+    return item.status;
+}
 
-struct ShownValue {
-    static IdValueStruct of(const Item &item) { return { item.id, item.value }; }
-    static QDBusVariant alone(const Item &item) { return QDBusVariant(item.value); }
-    static qint64 size(const Item &item)
-    {
-        constexpr qint64 mostBytesOfFrame = 32;
-        return busSize(item.type, item.value) + busSize(ValueType::String, item.id)
-            + mostBytesOfFrame;
+QDBusVariant valueOf(const Item &item)
+{
+    return QDBusVariant(item.value);
+}
+
+IdValueStruct idAndValueOf(const Item &item)
+{
+    return { item.id, item.value };
+}
+
+IdValueStatusStruct allOf(const Item &item)
+{
+    return { item.id, item.value, item.status };
+}
+
+/// How many bytes one of the above takes in a message, at most.
+template <typename Told> qint64 busSize(const Item &item)
+{
+    if constexpr (std::is_same_v<Told, int>) {
+        return sizeof(Told);
+    } else {
+        constexpr qint64 mostBytesOfFrame = 40;
+        constexpr qint64 mostBytesOfUnit = 3;
+        return item.type->busSize(item.value) + mostBytesOfUnit * item.id.size() + mostBytesOfFrame;
     }
-};
-
-struct ShownValueStatus {
-    static IdValueStatusStruct of(const Item &item) { return { item.id, item.value, item.status }; }
-    static IdValueStatusStruct alone(const Item &item) { return of(item); }
-    static qint64 size(const Item &item) { return ShownValue::size(item); }
-};
+}
 
 /// The identifiers in the first argument of a call.
 QStringList namedIn(const QVariant &argument)
@@ -104,14 +114,12 @@ const Service::Method Service::methods[] = {
       } },
     { "DoAction", "s",
       [](Service &s, In a, Out) { s.actions.start(a.at(0).toString(), nullptr); } },
-    { "GetStatus", "as", [](Service &s, In a, Out out) { out = s.readAll<ShownStatus>(a); } },
-    { "GetStatus", "s", [](Service &s, In a, Out out) { out = s.readOne<ShownStatus>(a); } },
-    { "GetValue", "as", [](Service &s, In a, Out out) { out = s.readAll<ShownValue>(a); } },
-    { "GetValue", "s", [](Service &s, In a, Out out) { out = s.readOne<ShownValue>(a); } },
-    { "GetValueStatus", "as",
-      [](Service &s, In a, Out out) { out = s.readAll<ShownValueStatus>(a); } },
-    { "GetValueStatus", "s",
-      [](Service &s, In a, Out out) { out = s.readOne<ShownValueStatus>(a); } },
+    { "GetStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(a, statusOf); } },
+    { "GetStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(a, statusOf); } },
+    { "GetValue", "as", [](Service &s, In a, Out out) { out = s.readAll(a, idAndValueOf); } },
+    { "GetValue", "s", [](Service &s, In a, Out out) { out = s.readOne(a, valueOf); } },
+    { "GetValueStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(a, allOf); } },
+    { "GetValueStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(a, allOf); } },
     { "ListActionIds", "", [](Service &s, In, Out out) { out = { s.actions.ids() }; } },
     { "ListConfigIds", "",
       [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Config) }; } },
@@ -215,7 +223,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
 void Service::reply(const QDBusConnection &connection, const QDBusMessage &call,
                     const QDBusMessage &answer)
 {
-    record.noteCall(call, &answer);
+    record.note(call, &answer);
     if (call.isReplyRequired()) {
         connection.send(answer);
     }
@@ -260,12 +268,12 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
         reply(connection, call, call.createReply(ofAnotherType));
         break;
     case Fault::Kind::Vanish:
-        record.noteCall(call, nullptr);
+        record.note(call);
         hasVanished = true;
         Q_EMIT vanished();
         break;
     case Fault::Kind::Silence:
-        record.noteCall(call, nullptr);
+        record.note(call);
         break;
     }
 }
@@ -302,18 +310,19 @@ QVector<int> Service::lookUpToRead(const QVariantList &arguments, qint64 (*sizeO
     return indexes;
 }
 
-template <typename Shown> QVariantList Service::readOne(const QVariantList &arguments)
+template <typename Told>
+QVariantList Service::readOne(const QVariantList &arguments, Told (*tell)(const Item &))
 {
-    const int index = lookUpToRead(arguments, &Shown::size).first();
-    return { QVariant::fromValue(Shown::alone(items.at(index))) };
+    const int index = lookUpToRead(arguments, &busSize<Told>).first();
+    return { QVariant::fromValue(tell(items.at(index))) };
 }
 
-template <typename Shown> QVariantList Service::readAll(const QVariantList &arguments)
+template <typename Told>
+QVariantList Service::readAll(const QVariantList &arguments, Told (*tell)(const Item &))
 {
-    QList<decltype(Shown::of(items.at(0)))> all;
-    const QVector<int> indexes = lookUpToRead(arguments, &Shown::size);
-    for (const int index : indexes) {
-        all.append(Shown::of(items.at(index)));
+    QList<Told> all;
+    for (const int index : lookUpToRead(arguments, &busSize<Told>)) {
+        all.append(tell(items.at(index)));
     }
     return { QVariant::fromValue(all) };
 }
@@ -325,22 +334,20 @@ Assignment Service::convert(const IdValueStruct &wanted) const
         throw unknownId(wanted.id);
     }
     const Item &item = items.at(index);
+    const QString id = quoted(item.id);
     if (item.kind == ItemKind::Result) {
-        throw Refusal { "ReadOnly"_q, "%1 is a result, which cannot be set."_q.arg(quoted(item.id)),
-                        item.id };
+        throw Refusal { "ReadOnly"_q, id + " is a result, which cannot be set."_q, item.id };
     }
     // Who sets one value by hand sends its text and leaves the type to the service.
     const bool isText = wanted.value.userType() == QMetaType::QString;
-    if (isText && isArray(item.type)) {
-        throw Refusal { "BadValue"_q,
-                        "%1 is an array of type %2; SETARRAY sets it."_q.arg(quoted(item.id),
-                                                                             typeName(item.type)),
-                        item.id };
+    if (isText && item.type->isArray) {
+        const QString sentence = "%1 is an array of type %2; SETARRAY sets it."_q;
+        throw Refusal { "BadValue"_q, sentence.arg(id, QLatin1String(item.type->name)), item.id };
     }
-    const Place place { "BadValue"_q, {}, quoted(item.id) + " cannot be set"_q, "."_q, item.id };
+    const Place place { "BadValue"_q, {}, id + " cannot be set"_q, "."_q, item.id };
     return { index,
-             isText ? valueFromText(item.type, wanted.value.toString(), place)
-                    : valueFromBus(item.type, wanted.value, place) };
+             isText ? item.type->fromText(wanted.value.toString(), place)
+                    : item.type->fromBus(wanted.value, place) };
 }
 
 void Service::set(const QList<IdValueStruct> &wanted)
@@ -352,7 +359,7 @@ void Service::set(const QList<IdValueStruct> &wanted)
     for (const Assignment &assignment : assignments) {
         const Item &item = items.at(assignment.index);
         log.record(LogLevel::Info, item.id,
-                   "set to "_q + shown(valueToText(item.type, assignment.value)));
+                   "set to "_q + shown(item.type->toText(assignment.value)));
     }
     items.assign(assignments);
 }
@@ -407,12 +414,12 @@ void Service::saveConfig(const QString &name)
 
 void Service::loadConfig(const QString &name)
 {
-    const QString intro = "%1 is damaged: "_q.arg(quoted(files.pathOf(name)));
-    const QVector<Assignment> assignments = readConfigs(files.read(name), items, intro, "."_q);
+    const Place place { "File"_q, quoted(files.pathOf(name)) + " is damaged: "_q, {}, "."_q };
+    const QVector<Assignment> assignments = readConfigs(files.read(name), items, place);
     for (const Assignment &assignment : assignments) {
         const Item &item = items.at(assignment.index);
         log.record(LogLevel::Info, item.id,
-                   "loaded as "_q + shown(valueToText(item.type, assignment.value)));
+                   "loaded as "_q + shown(item.type->toText(assignment.value)));
     }
     items.assign(assignments);
     announcer.info("configuration loaded from %1"_q.arg(files.pathOf(name)));

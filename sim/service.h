@@ -58,8 +58,10 @@ private:
     QVector<int> lookUp(const QStringList &ids) const;
     /// The items that a call reads, all of them noted, unless the answer would be too long.
     QVector<int> lookUpToRead(const QVariantList &arguments, qint64 (*sizeOf)(const Item &));
-    template <typename Shown> QVariantList readOne(const QVariantList &arguments);
-    template <typename Shown> QVariantList readAll(const QVariantList &arguments);
+    template <typename Told>
+    QVariantList readOne(const QVariantList &arguments, Told (*tell)(const Item &));
+    template <typename Told>
+    QVariantList readAll(const QVariantList &arguments, Told (*tell)(const Item &));
     Assignment convert(const IdValueStruct &wanted) const;
     void set(const QList<IdValueStruct> &wanted);
     void listen(const QStringList &ids);

@@ -55,6 +55,22 @@ void checkRegular(const QString &path, const Place &place)
 
 } // namespace
 
+QByteArray readFile(const QString &path, const QString &excess, const Place &place)
+{
+    QFile file(path);
+    QByteArray bytes;
+    if (file.open(QIODevice::ReadOnly)) {
+        bytes = file.read(mostBytesOfFile + 1);
+    }
+    if (file.error() != QFileDevice::NoError) {
+        throw place.refusal(file.errorString());
+    }
+    if (bytes.size() > mostBytesOfFile) {
+        throw place.refusal(excess);
+    }
+    return bytes;
+}
+
 StateFiles::StateFiles(QString directoryPath)
     : directory(std::move(directoryPath))
 {
@@ -69,13 +85,13 @@ StateFiles::~StateFiles()
 
 QString StateFiles::defaultDirectory()
 {
-    const QString stateHome = QFile::decodeName(qgetenv("XDG_STATE_HOME"));
-    if (stateHome.startsWith(QLatin1Char('/'))) {
-        return stateHome + "/movra-sim"_q;
-    }
-    const QString home = QFile::decodeName(qgetenv("HOME"));
-    if (home.startsWith(QLatin1Char('/'))) {
-        return home + "/.local/state/movra-sim"_q;
+    using Row = std::pair<const char *, const char *>;
+    for (const auto &[variable, under] :
+         { Row("XDG_STATE_HOME", "/movra-sim"), Row("HOME", "/.local/state/movra-sim") }) {
+        const QString path = QFile::decodeName(qgetenv(variable));
+        if (path.startsWith(QLatin1Char('/'))) {
+            return path + QLatin1String(under);
+        }
     }
     return {};
 }
@@ -136,21 +152,13 @@ QByteArray StateFiles::read(const QString &name) const
         throw place.refusal("neither XDG_STATE_HOME nor HOME says where"_q);
     }
     checkRegular(pathOf(name), place);
-    QFile file(pathOf(name));
-    QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.read(mostBytes + 1) : QByteArray();
-    if (file.error() != QFileDevice::NoError) {
-        throw place.refusal(file.errorString());
-    }
-    if (bytes.size() > mostBytes) {
-        throw place.refusal("it is larger than 16 MiB"_q);
-    }
-    return bytes;
+    return readFile(pathOf(name), "it is larger than 16 MiB"_q, place);
 }
 
 void StateFiles::write(const QString &name, const QByteArray &bytes)
 {
     const Place place = placeOf("write", name);
-    if (bytes.size() > mostBytes) {
+    if (bytes.size() > mostBytesOfFile) {
         throw place.refusal("it would be larger than 16 MiB"_q);
     }
     prepare(place);

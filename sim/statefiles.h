@@ -12,13 +12,16 @@
 
 #include <memory>
 
+/// Most that a catalogue or a file of the state directory ever holds.
+constexpr int mostBytesOfFile = 16 * 1024 * 1024;
+
+/// The whole file; `excess` is the reason that refuses one which is too large.
+QByteArray readFile(const QString &path, const QString &excess, const Place &place);
+
 /// The state directory. Whoever writes into it first has it to himself until the end.
 class StateFiles
 {
 public:
-    /// Most that one file ever holds.
-    static constexpr int mostBytes = 16 * 1024 * 1024;
-
     /// `directoryPath` may be empty: then every access is refused.
     explicit StateFiles(QString directoryPath);
     ~StateFiles();

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <limits>
@@ -23,23 +22,10 @@
 namespace
 {
 
-constexpr int mostElements = 65536;
-
 template <typename T> constexpr bool isText = std::is_same_v<T, QString>;
 template <typename T> constexpr bool isTruth = std::is_same_v<T, bool>;
 template <typename T> constexpr bool isReal = std::is_same_v<T, double>;
-
-template <typename T> struct ElementOf {
-    static constexpr bool exists = false;
-};
-template <> struct ElementOf<QStringList> {
-    static constexpr bool exists = true;
-    using Type = QString;
-};
-template <typename T> struct ElementOf<std::vector<T>> {
-    static constexpr bool exists = true;
-    using Type = T;
-};
+template <typename T> constexpr bool isList = !isText<T> && !std::is_arithmetic_v<T>;
 
 template <typename T> QString numberName()
 {
@@ -50,31 +36,105 @@ template <typename T> QString numberName()
     }
 }
 
-QString textOf(double value)
+template <typename T> QString toText(const T &value)
 {
-    // Qt leaves the sign of nought out.
-    return std::fpclassify(value) == FP_ZERO && std::signbit(value)
-        ? "-0"_q
-        : QString::number(value, 'g', QLocale::FloatingPointShortest);
+    if constexpr (isList<T>) {
+        QStringList texts;
+        for (const auto &each : value) {
+            texts.append(toText<typename T::value_type>(each));
+        }
+        return texts.join(QLatin1Char(' '));
+    } else if constexpr (isText<T>) {
+        return value;
+    } else if constexpr (isTruth<T>) {
+        return value ? "true"_q : "false"_q;
+    } else if constexpr (isReal<T>) {
+        // Qt leaves the sign of nought out.
+        return std::fpclassify(value) == FP_ZERO && std::signbit(value)
+            ? "-0"_q
+            : QString::number(value, 'g', QLocale::FloatingPointShortest);
+    } else {
+        return QString::number(value);
+    }
 }
 
-Refusal isNot(const Json &json, const char *wanted, const Place &place)
+template <typename T> Json toJson(const T &value)
 {
-    return place.refusal("is %1, not %2"_q.arg(jsonKind(json), QLatin1String(wanted)));
+    if constexpr (isList<T>) {
+        Json list = Json::array();
+        for (const auto &each : value) {
+            list.push_back(toJson<typename T::value_type>(each));
+        }
+        return list;
+    } else if constexpr (isTruth<T> || sizeof(T) == sizeof(int32_t)) {
+        return value;
+    } else {
+        if constexpr (isReal<T>) {
+            // JSON has neither infinities nor nan, and many readers lose the sign of nought.
+            if (std::isfinite(value) && !(std::signbit(value) && std::abs(value) <= 0)) {
+                return value;
+            }
+        }
+        return toText<T>(value).toStdString();
+    }
+}
+
+template <typename T> qint64 busSize(const T &value)
+{
+    // Length field, alignment and closing zero of a string or an array, or all of a number.
+    constexpr qint64 bytesAround = 8;
+    constexpr qint64 mostBytesOfUnit = 3;
+    qint64 size = bytesAround;
+    if constexpr (isList<T>) {
+        for (const auto &each : value) {
+            size += busSize<typename T::value_type>(each);
+        }
+    } else if constexpr (isText<T>) {
+        size += mostBytesOfUnit * value.size();
+    }
+    return size;
+}
+
+/// Why a value is too large for an item, wherever it comes from; null: it is not.
+template <typename T> QString excess(const T &value)
+{
+    constexpr int mostElements = 65536;
+    if constexpr (isText<T>) {
+        if (value.size() > longestText) {
+            return "the text is longer than %1 characters"_q.arg(longestText);
+        }
+    } else if constexpr (isList<T>) {
+        if (static_cast<int>(value.size()) > mostElements) {
+            return "there are more than %1 elements"_q.arg(mostElements);
+        }
+        if constexpr (std::is_same_v<T, QStringList>) {
+            if (value.join(QString()).size() > longestText) {
+                return "the texts are longer than %1 characters"_q.arg(longestText);
+            }
+        }
+    }
+    return {};
+}
+
+template <typename T> T checked(T value, const Place &place)
+{
+    if (const QString reason = excess(value); !reason.isNull()) {
+        throw place.refusal(reason);
+    }
+    return value;
 }
 
 /// Reads a single value; `display` is the text as a refusal shows it.
 template <typename T> T parse(const QString &text, const QString &display, const Place &place)
 {
-    if constexpr (isText<T>) {
+    if constexpr (isList<T>) {
+        throw place.refusal("is an array, not a single value"_q);
+    } else if constexpr (isText<T>) {
         if (text.contains(QChar(QChar::Null))) {
             throw place.refusal(
                 "the text holds the character U+0000, which the bus cannot carry"_q);
         }
-        if (text.size() > longestText) {
-            throw place.refusal("the text is longer than %1 characters"_q.arg(longestText));
-        }
-        return text;
+        return checked(text, place);
     } else if constexpr (isTruth<T>) {
         const bool isTrue = text == "true"_q || text == "1"_q;
         if (!isTrue && text != "false"_q && text != "0"_q) {
@@ -113,184 +173,82 @@ template <typename T> T parse(const QString &text, const QString &display, const
     }
 }
 
-/// What a list obeys, wherever it comes from.
-template <typename List> List checked(const List &list, const Place &place)
-{
-    if (static_cast<int>(list.size()) > mostElements) {
-        throw place.refusal("there are more than %1 elements"_q.arg(mostElements));
-    }
-    if constexpr (std::is_same_v<List, QStringList>) {
-        qint64 length = 0;
-        for (const QString &text : list) {
-            length += text.size();
-        }
-        if (length > longestText) {
-            throw place.refusal("the texts are longer than %1 characters"_q.arg(longestText));
-        }
-    }
-    return list;
-}
-
 template <typename T> T fromJson(const Json &json, const Place &place)
 {
-    if constexpr (ElementOf<T>::exists) {
-        if (!json.is_array()) {
-            throw isNot(json, "an array", place);
-        }
+    if constexpr (isList<T>) {
+        needKind(json.is_array(), json, "an array", place);
         T list;
         Place at = place;
         for (const Json &each : json) {
             ++at.element;
-            list.push_back(fromJson<typename ElementOf<T>::Type>(each, at));
+            list.push_back(fromJson<typename T::value_type>(each, at));
         }
         return checked(list, place);
     } else if constexpr (isTruth<T>) {
-        if (!json.is_boolean()) {
-            throw isNot(json, "true or false", place);
-        }
+        needKind(json.is_boolean(), json, "true or false", place);
         return json.get<bool>();
     } else {
         if (json.is_string()) {
-            const QString text = QString::fromStdString(json.get_ref<const std::string &>());
-            return parse<T>(text, quoted(text), place);
+            return parse<T>(textOf(json), quoted(textOf(json)), place);
         }
-        if constexpr (isText<T>) {
-            throw isNot(json, "a string", place);
-        } else if (!json.is_number()) {
-            throw isNot(json, "a number", place);
-        } else if constexpr (isReal<T>) {
+        needKind(!isText<T> && json.is_number(), json, isText<T> ? "a string" : "a number", place);
+        if constexpr (isReal<T>) {
             return json.get<double>();
-        } else {
-            QString text = QString::fromStdString(json.dump());
-            if (json.is_number_float()) {
-                const auto value = json.get<double>();
-                if (std::trunc(value) != value) {
-                    throw place.refusal("%1 is not a whole number"_q.arg(textOf(value)));
-                }
-                // A number with a fraction or an exponent may have been rounded from here on.
-                constexpr double firstInexact = 9007199254740992.0;
-                if (std::abs(value) >= firstInexact) {
-                    throw place.refusal(
-                        "%1 is not exact as a JSON number; write it between quotes"_q.arg(
-                            textOf(value)));
-                }
-                text = QString::number(static_cast<qint64>(value));
-            }
-            return parse<T>(text, text, place);
         }
-    }
-}
-
-template <typename T> T fromText(const QString &text, const Place &place)
-{
-    if constexpr (ElementOf<T>::exists) {
-        throw place.refusal("is an array, not a single value"_q);
-    } else {
-        return parse<T>(text, quoted(text), place);
+        QString text = QString::fromStdString(json.dump());
+        if (json.is_number_float()) {
+            const auto value = json.get<double>();
+            if (std::trunc(value) != value) {
+                throw place.refusal("%1 is not a whole number"_q.arg(toText(value)));
+            }
+            // A number with a fraction or an exponent may have been rounded from here on.
+            constexpr double firstInexact = 9007199254740992.0;
+            if (std::abs(value) >= firstInexact) {
+                throw place.refusal(
+                    "%1 is not exact as a JSON number; write it between quotes"_q.arg(
+                        toText(value)));
+            }
+            text = QString::number(static_cast<qint64>(value));
+        }
+        return parse<T>(text, text, place);
     }
 }
 
 template <typename T> T fromBus(const QVariant &variant, const Place &place)
 {
-    if constexpr (ElementOf<T>::exists) {
-        // Only an array of strings arrives unpacked.
-        return checked(qdbus_cast<T>(variant), place);
-    } else if constexpr (isText<T>) {
-        // A text from the bus obeys the same limit as one from a file.
-        return fromText<T>(variant.toString(), place);
-    } else {
-        return variant.value<T>();
+    const QString found = signatureOf(variant);
+    const char *const wanted = QDBusMetaType::typeToSignature(qMetaTypeId<T>());
+    if (found != QLatin1String(wanted)) {
+        throw place.refusal("a value of D-Bus type %1 is not of type \"%2\""_q.arg(
+            quoted(found), QLatin1String(wanted)));
     }
+    return checked(qdbus_cast<T>(variant), place);
 }
 
-template <typename T> QString toText(const T &value)
-{
-    if constexpr (ElementOf<T>::exists) {
-        QStringList texts;
-        for (const auto &each : value) {
-            texts.append(toText<typename ElementOf<T>::Type>(each));
-        }
-        return texts.join(QLatin1Char(' '));
-    } else if constexpr (isText<T>) {
-        return value;
-    } else if constexpr (isTruth<T>) {
-        return value ? "true"_q : "false"_q;
-    } else if constexpr (isReal<T>) {
-        return textOf(value);
-    } else {
-        return QString::number(value);
-    }
-}
-
-template <typename T> Json toJson(const T &value)
-{
-    if constexpr (ElementOf<T>::exists) {
-        Json list = Json::array();
-        for (const auto &each : value) {
-            list.push_back(toJson<typename ElementOf<T>::Type>(each));
-        }
-        return list;
-    } else if constexpr (isTruth<T> || sizeof(T) == sizeof(int32_t)) {
-        return value;
-    } else {
-        if constexpr (isReal<T>) {
-            // JSON has neither infinities nor nan, and many readers lose the sign of nought.
-            if (std::isfinite(value) && !(std::signbit(value) && std::abs(value) <= 0)) {
-                return value;
-            }
-        }
-        return toText<T>(value).toStdString();
-    }
-}
-
-template <typename T> qint64 sizeOf(const T &value)
-{
-    // Length field, alignment and closing zero of a string or an array, or all of a number.
-    constexpr qint64 bytesAround = 8;
-    constexpr qint64 mostBytesOfUnit = 3;
-    qint64 size = bytesAround;
-    if constexpr (ElementOf<T>::exists) {
-        for (const auto &each : value) {
-            size += sizeOf<typename ElementOf<T>::Type>(each);
-        }
-    } else if constexpr (isText<T>) {
-        size += mostBytesOfUnit * value.size();
-    }
-    return size;
-}
-
-struct TypeRow {
-    const char *name;
-    const char *signature;
-    QVariant (*fromJson)(const Json &, const Place &);
-    QVariant (*fromText)(const QString &, const Place &);
-    QVariant (*fromBus)(const QVariant &, const Place &); ///< only for this row's signature
-    Json (*toJson)(const QVariant &);
-    QString (*toText)(const QVariant &);
-    qint64 (*busSize)(const QVariant &);
-};
-
-template <typename T> constexpr TypeRow row(const char *name, const char *signature)
+template <typename T> constexpr ValueType row(const char *name, const char *signature)
 {
     return {
         name,
         signature,
-        [](const Json &json, const Place &place) {
-            return QVariant::fromValue(fromJson<T>(json, place));
+        isList<T>,
+        std::is_arithmetic_v<T> && !isTruth<T>,
+        [](const Json &json, const Place &at) {
+            return QVariant::fromValue(fromJson<T>(json, at));
         },
-        [](const QString &text, const Place &place) {
-            return QVariant::fromValue(fromText<T>(text, place));
+        [](const QString &text, const Place &at) {
+            return QVariant::fromValue(parse<T>(text, quoted(text), at));
         },
-        [](const QVariant &variant, const Place &place) {
-            return QVariant::fromValue(fromBus<T>(variant, place));
+        [](const QVariant &from, const Place &at) {
+            return QVariant::fromValue(fromBus<T>(from, at));
         },
-        [](const QVariant &value) { return toJson<T>(value.value<T>()); },
-        [](const QVariant &value) { return toText<T>(value.value<T>()); },
-        [](const QVariant &value) { return sizeOf<T>(value.value<T>()); },
+        [](const QVariant &variant) { return excess(qdbus_cast<T>(variant)); },
+        [](const QVariant &value) { return toJson(value.value<T>()); },
+        [](const QVariant &value) { return toText(value.value<T>()); },
+        [](const QVariant &value) { return busSize(value.value<T>()); },
     };
 }
 
-constexpr TypeRow types[] = {
+constexpr ValueType types[] = {
     row<QString>("string", "s"),
     row<bool>("bool", "b"),
     row<int32_t>("int32", "i"),
@@ -305,54 +263,34 @@ constexpr TypeRow types[] = {
     row<std::vector<quint64>>("uint64[]", "at"),
     row<std::vector<double>>("double[]", "ad"),
 };
-static_assert(std::size(types) == static_cast<std::size_t>(ValueType::DoubleArray) + 1,
-              "one row for each type, in the order of the enumeration");
 
-const TypeRow &rowOf(ValueType type)
+const ValueType *typeWith(const char *ValueType::*field, const QString &text)
 {
-    return types[static_cast<std::size_t>(type)];
-}
-
-std::optional<ValueType> typeWith(const char *TypeRow::*field, const QString &text)
-{
-    const auto *found = std::find_if(std::begin(types), std::end(types), [&](const TypeRow &each) {
-        return text == QLatin1String(each.*field);
-    });
-    if (found == std::end(types)) {
-        return {};
-    }
-    return static_cast<ValueType>(found - std::begin(types));
+    const auto *found =
+        std::find_if(std::begin(types), std::end(types),
+                     [&](const ValueType &each) { return text == QLatin1String(each.*field); });
+    return found == std::end(types) ? nullptr : found;
 }
 
 } // namespace
 
-std::optional<ValueType> typeNamed(const QString &name)
+const ValueType *typeNamed(const QString &name)
 {
-    return typeWith(&TypeRow::name, name);
+    return typeWith(&ValueType::name, name);
 }
 
-std::optional<ValueType> typeWithSignature(const QString &signature)
+const ValueType *typeWithSignature(const QString &signature)
 {
-    return typeWith(&TypeRow::signature, signature);
+    return typeWith(&ValueType::signature, signature);
 }
 
 QString typeNames()
 {
     QStringList names;
-    for (const TypeRow &each : types) {
+    for (const ValueType &each : types) {
         names.append(QString::fromLatin1(each.name));
     }
     return names.join(", "_q);
-}
-
-QString typeName(ValueType type)
-{
-    return QString::fromLatin1(rowOf(type).name);
-}
-
-QString busSignature(ValueType type)
-{
-    return QString::fromLatin1(rowOf(type).signature);
 }
 
 QString signatureOf(const QVariant &variant)
@@ -363,71 +301,21 @@ QString signatureOf(const QVariant &variant)
     return QString::fromLatin1(QDBusMetaType::typeToSignature(variant.userType()));
 }
 
-bool isArray(ValueType type)
+void needKind(bool isWanted, const Json &json, const char *wanted, const Place &place)
 {
-    return type >= ValueType::StringArray;
-}
-
-bool isNumber(ValueType type)
-{
-    return type >= ValueType::Int32 && type <= ValueType::Double;
-}
-
-QVariant valueFromJson(ValueType type, const Json &json, const Place &place)
-{
-    return rowOf(type).fromJson(json, place);
-}
-
-QVariant valueFromText(ValueType type, const QString &text, const Place &place)
-{
-    return rowOf(type).fromText(text, place);
-}
-
-QVariant valueFromBus(ValueType type, const QVariant &variant, const Place &place)
-{
-    const QString found = signatureOf(variant);
-    if (found != busSignature(type)) {
-        throw place.refusal("a value of D-Bus type %1 is not of type %2"_q.arg(
-            quoted(found), quoted(busSignature(type))));
+    if (isWanted) {
+        return;
     }
-    return rowOf(type).fromBus(variant, place);
-}
-
-Json valueToJson(ValueType type, const QVariant &value)
-{
-    return rowOf(type).toJson(value);
-}
-
-QString valueToText(ValueType type, const QVariant &value)
-{
-    return rowOf(type).toText(value);
-}
-
-bool sameValue(ValueType type, const QVariant &left, const QVariant &right)
-{
-    // JSON keeps every difference, also the one between one element with a blank and two elements.
-    return valueToJson(type, left) == valueToJson(type, right);
-}
-
-qint64 busSize(ValueType type, const QVariant &value)
-{
-    return rowOf(type).busSize(value);
-}
-
-QString jsonKind(const Json &json)
-{
-    switch (json.type()) {
-    case Json::value_t::null:
-        return "null"_q;
-    case Json::value_t::boolean:
-        return "a truth value"_q;
-    case Json::value_t::string:
-        return "a string"_q;
-    case Json::value_t::array:
-        return "an array"_q;
-    case Json::value_t::object:
-        return "an object"_q;
-    default:
-        return "a number"_q;
+    QString kind = QString::fromLatin1(json.type_name());
+    if (json.is_boolean()) {
+        kind = "a truth value"_q;
+    } else if (!json.is_null()) {
+        kind.prepend(json.is_structured() ? "an "_q : "a "_q);
     }
+    throw place.refusal("is %1, not %2"_q.arg(kind, QLatin1String(wanted)));
+}
+
+QString textOf(const Json &json)
+{
+    return QString::fromStdString(json.get_ref<const std::string &>());
 }

@@ -20,23 +20,24 @@ Json jsonOf(const QString &text)
 }
 
 /// The value's text, or "! " and the sentence that refuses it.
-template <typename Convert> QString outcome(ValueType type, Convert convert)
+template <typename Convert> QString outcome(const ValueType &type, Convert convert)
 {
     try {
-        return valueToText(type, convert(Place { {}, {}, QStringLiteral("here"), {}, {} }));
+        return type.toText(convert(Place { {}, {}, QStringLiteral("here"), {}, {} }));
     } catch (const Refusal &refusal) {
         return QStringLiteral("! ") + refusal.sentence;
     }
 }
 
-QString outcomeFromBus(ValueType type, const QVariant &given)
+QString outcomeFromBus(const ValueType &type, const QVariant &given)
 {
-    return outcome(type, [&](const Place &place) { return valueFromBus(type, given, place); });
+    return outcome(type, [&](const Place &place) { return type.fromBus(given, place); });
 }
 
-ValueType typeOf(const QString &name)
+const ValueType &typeOf(const QString &name)
 {
-    return typeNamed(name).value();
+    const ValueType *type = typeNamed(name);
+    return type == nullptr ? throw Refusal { name, name } : *type;
 }
 
 void addRow(const char *name, const char *type, const QString &given, const QString &expected)
@@ -64,7 +65,7 @@ private Q_SLOTS:
     void limitsHoldForWhatComesFromTheBus();
     void jsonGivesBackTheSameValue_data();
     void jsonGivesBackTheSameValue();
-    void equalityKnowsEveryDifference();
+    void jsonKnowsEveryDifference();
     void sizesCountEveryElement();
 };
 
@@ -104,18 +105,19 @@ void TestValues::everyTypeHasANameAndASignature()
     QFETCH(QString, signature);
     QFETCH(bool, array);
     QFETCH(bool, number);
-    const auto type = typeNamed(name);
-    QVERIFY(type);
-    QCOMPARE(typeName(*type), name);
-    QCOMPARE(busSignature(*type), signature);
-    QCOMPARE(isArray(*type), array);
-    QCOMPARE(isNumber(*type), number);
+    const ValueType *type = typeNamed(name);
+    QVERIFY(type != nullptr);
+    QCOMPARE(QString::fromLatin1(type->name), name);
+    QCOMPARE(QString::fromLatin1(type->signature), signature);
+    QCOMPARE(typeWithSignature(signature), type);
+    QCOMPARE(type->isArray, array);
+    QCOMPARE(type->isNumber, number);
 }
 
 void TestValues::unknownTypeNamesAreNotTypes()
 {
     for (const char *name : { "", "Int32", "int", "float", "int32[", "int32[][]", "bool[]" }) {
-        QVERIFY2(!typeNamed(QString::fromLatin1(name)), name);
+        QVERIFY2(typeNamed(QString::fromLatin1(name)) == nullptr, name);
     }
 }
 
@@ -221,9 +223,7 @@ void TestValues::jsonBecomesAValue()
     QFETCH(QString, given);
     QFETCH(QString, expected);
     const Json json = jsonOf(given);
-    const auto convert = [&](const Place &place) {
-        return valueFromJson(typeOf(type), json, place);
-    };
+    const auto convert = [&](const Place &place) { return typeOf(type).fromJson(json, place); };
     QCOMPARE(outcome(typeOf(type), convert), expected);
 }
 
@@ -276,9 +276,7 @@ void TestValues::textBecomesAValue()
     QFETCH(QString, type);
     QFETCH(QString, given);
     QFETCH(QString, expected);
-    const auto convert = [&](const Place &place) {
-        return valueFromText(typeOf(type), given, place);
-    };
+    const auto convert = [&](const Place &place) { return typeOf(type).fromText(given, place); };
     QCOMPARE(outcome(typeOf(type), convert), expected);
 }
 
@@ -335,15 +333,17 @@ void TestValues::busValuesMustHaveTheVeryType()
 void TestValues::limitsHoldForWhatComesFromTheBus()
 {
     const QString longest(1048576, QLatin1Char('a'));
-    QCOMPARE(outcomeFromBus(ValueType::String, longest), longest);
-    QCOMPARE(outcomeFromBus(ValueType::String, longest + QLatin1Char('a')),
+    QCOMPARE(outcomeFromBus(typeOf(QStringLiteral("string")), longest), longest);
+    QCOMPARE(outcomeFromBus(typeOf(QStringLiteral("string")), longest + QLatin1Char('a')),
              QStringLiteral("! here: the text is longer than 1048576 characters"));
-    QCOMPARE(outcomeFromBus(ValueType::StringArray, QStringList { longest, QStringLiteral("a") }),
+    QCOMPARE(outcomeFromBus(typeOf(QStringLiteral("string[]")),
+                            QStringList { longest, QStringLiteral("a") }),
              QStringLiteral("! here: the texts are longer than 1048576 characters"));
     std::vector<double> most(65536);
-    QCOMPARE(outcomeFromBus(ValueType::DoubleArray, QVariant::fromValue(most)).size(), 131071);
+    QCOMPARE(outcomeFromBus(typeOf(QStringLiteral("double[]")), QVariant::fromValue(most)).size(),
+             131071);
     most.push_back(0);
-    QCOMPARE(outcomeFromBus(ValueType::DoubleArray, QVariant::fromValue(most)),
+    QCOMPARE(outcomeFromBus(typeOf(QStringLiteral("double[]")), QVariant::fromValue(most)),
              QStringLiteral("! here: there are more than 65536 elements"));
 }
 
@@ -377,34 +377,40 @@ void TestValues::jsonGivesBackTheSameValue()
 {
     QFETCH(QString, type);
     QFETCH(QString, json);
-    const QVariant value = valueFromJson(typeOf(type), jsonOf(json), {});
-    QVERIFY(valueToJson(typeOf(type), value) == jsonOf(json));
+    const QVariant value = typeOf(type).fromJson(jsonOf(json), {});
+    QVERIFY(typeOf(type).toJson(value) == jsonOf(json));
 }
 
-void TestValues::equalityKnowsEveryDifference()
+void TestValues::jsonKnowsEveryDifference()
 {
+    const auto sameJson = [](const char *type, const QVariant &left, const QVariant &right) {
+        const ValueType &found = typeOf(QString::fromLatin1(type));
+        return found.toJson(left) == found.toJson(right);
+    };
     const auto strings = [](const char *text) {
         return QString::fromLatin1(text).split(QLatin1Char(','));
     };
-    QVERIFY(sameValue(ValueType::StringArray, strings("a,b"), strings("a,b")));
-    QVERIFY(!sameValue(ValueType::StringArray, strings("a b"), strings("a,b")));
-    QVERIFY(sameValue(ValueType::Double, qQNaN(), qQNaN()));
-    QVERIFY(!sameValue(ValueType::Int64, QVariant::fromValue(qint64 { 9007199254740992 }),
-                       QVariant::fromValue(qint64 { 9007199254740993 })));
-    QVERIFY(sameValue(ValueType::DoubleArray, QVariant::fromValue(std::vector<double> { 1, 2 }),
-                      QVariant::fromValue(std::vector<double> { 1, 2 })));
-    QVERIFY(!sameValue(ValueType::DoubleArray, QVariant::fromValue(std::vector<double> { 1, 2 }),
-                       QVariant::fromValue(std::vector<double> { 1 })));
+    QVERIFY(sameJson("string[]", strings("a,b"), strings("a,b")));
+    QVERIFY(!sameJson("string[]", strings("a b"), strings("a,b")));
+    QVERIFY(sameJson("double", qQNaN(), qQNaN()));
+    QVERIFY(!sameJson("int64", QVariant::fromValue(qint64 { 9007199254740992 }),
+                      QVariant::fromValue(qint64 { 9007199254740993 })));
+    QVERIFY(sameJson("double[]", QVariant::fromValue(std::vector<double> { 1, 2 }),
+                     QVariant::fromValue(std::vector<double> { 1, 2 })));
+    QVERIFY(!sameJson("double[]", QVariant::fromValue(std::vector<double> { 1, 2 }),
+                      QVariant::fromValue(std::vector<double> { 1 })));
 }
 
 void TestValues::sizesCountEveryElement()
 {
-    QCOMPARE(busSize(ValueType::Int32, 5), qint64 { 8 });
-    QCOMPARE(busSize(ValueType::String, QStringLiteral("abc")), qint64 { 17 });
-    QCOMPARE(busSize(ValueType::StringArray, QStringList { QStringLiteral("a"), QString() }),
-             qint64 { 27 });
-    QCOMPARE(busSize(ValueType::DoubleArray, QVariant::fromValue(std::vector<double>(10))),
-             qint64 { 88 });
+    QCOMPARE(typeOf(QStringLiteral("int32")).busSize(5), qint64 { 8 });
+    QCOMPARE(typeOf(QStringLiteral("string")).busSize(QStringLiteral("abc")), qint64 { 17 });
+    QCOMPARE(
+        typeOf(QStringLiteral("string[]")).busSize(QStringList { QStringLiteral("a"), QString() }),
+        qint64 { 27 });
+    QCOMPARE(
+        typeOf(QStringLiteral("double[]")).busSize(QVariant::fromValue(std::vector<double>(10))),
+        qint64 { 88 });
 }
 
 QTEST_GUILESS_MAIN(TestValues)
