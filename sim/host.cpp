@@ -9,7 +9,6 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
-#include <QDir>
 #include <QSocketNotifier>
 
 #include <array>
@@ -91,9 +90,7 @@ QDBusConnection openBus()
 void Host::serve(const Options &options, const std::function<void()> &announceReady)
 {
     const Catalog catalog = loadCatalog(options.catalogFile);
-    StateFiles files(options.stateDirectory
-                         ? QDir::current().absoluteFilePath(*options.stateDirectory)
-                         : StateFiles::defaultDirectory());
+    StateFiles files(options.stateDirectory.value_or(StateFiles::defaultDirectory()));
     if (options.stateDirectory) {
         const Place place { "State"_q, {}, "the state directory cannot be used"_q };
         if (options.stateDirectory->isEmpty()) {

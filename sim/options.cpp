@@ -1,8 +1,100 @@
 // SPDX-License-Identifier: MIT
 #include "sim/options.h"
 
+#include "sim/service.h"
+
 #include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QDir>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+enum class Value { None, Optional, Required };
+
+constexpr struct {
+    const char *word;
+    Fault::Kind kind;
+    Value value;
+} faultKinds[] = {
+    { "delay", Fault::Kind::Delay, Value::Required },
+    { "refuse", Fault::Kind::Refuse, Value::Optional },
+    { "error", Fault::Kind::Refuse, Value::Required },
+    { "wrong-type", Fault::Kind::WrongType, Value::None },
+    { "vanish", Fault::Kind::Vanish, Value::None },
+    { "silence", Fault::Kind::Silence, Value::None },
+};
+
+Refusal wrong(const QString &sentence)
+{
+    return { "Usage"_q, sentence + " See movra-sim --help."_q };
+}
+
+/// Reads a fault such as `GetValue(:id:)=delay:500@3`.
+Fault readFault(const QString &text)
+{
+    constexpr int longestDelay = 3600000;
+    const auto notValid = [&text](const QString &reason) {
+        return wrong("The fault %1 is not valid: %2."_q.arg(quoted(text), reason));
+    };
+    static const QRegularExpression form(
+        "\\A([^(=]*)(?:\\((.*?)\\))?=([^:]*?)(?::(.*?))?(?:@([1-9][0-9]{0,8}))?\\z"_q,
+        QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch parts = form.match(text);
+    if (!parts.hasMatch()) {
+        throw notValid("it is not of the form MEMBER[(ID)]=FAULT[@N]"_q);
+    }
+    Fault fault;
+    if (const QString member = parts.captured(1); member != "*"_q) {
+        if (!Service::hasMember(member)) {
+            throw notValid("the interface has no member %1"_q.arg(quoted(member)));
+        }
+        fault.member = member;
+    }
+    fault.id = parts.captured(2);
+    fault.only = parts.captured(5).toInt();
+    const QString word = parts.captured(3);
+    const QString value = parts.captured(4);
+    const auto *row =
+        std::find_if(std::begin(faultKinds), std::end(faultKinds),
+                     [&](const auto &each) { return word == QLatin1String(each.word); });
+    if (row == std::end(faultKinds) || (row->value == Value::None && !value.isNull())
+        || (row->value == Value::Required && value.isNull())) {
+        throw notValid(
+            "%1 is not delay:MS, refuse, refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, "
+            "vanish or silence"_q.arg(
+                quoted(value.isNull() ? word : word + QLatin1Char(':') + value)));
+    }
+    fault.kind = row->kind;
+    QString sentence = value;
+    if (word == "error"_q) {
+        static const QRegularExpression name(
+            "\\A(?=.{1,255}\\z)[A-Za-z_][A-Za-z0-9_]*(\\.[A-Za-z_][A-Za-z0-9_]*)+\\z"_q);
+        fault.error = value.section(QLatin1Char(':'), 0, 0);
+        sentence = value.section(QLatin1Char(':'), 1);
+        if (!name.match(fault.error).hasMatch()) {
+            throw notValid("%1 is not the name of a bus error"_q.arg(quoted(fault.error)));
+        }
+    }
+    if (!sentence.isEmpty()) {
+        fault.text = sentence;
+    }
+    if (fault.kind == Fault::Kind::Delay) {
+        bool isNumber = false;
+        fault.delay = value.toInt(&isNumber);
+        if (!isNumber || fault.delay < 0 || fault.delay > longestDelay) {
+            throw notValid("%1 is not in 0 to %2 milliseconds"_q.arg(
+                quoted(value), QString::number(longestDelay)));
+        }
+    }
+    return fault;
+}
+
+} // namespace
 
 Options parseOptions(const QStringList &arguments)
 {
@@ -18,47 +110,43 @@ Options parseOptions(const QStringList &arguments)
     const QCommandLineOption version("version"_q);
     QCommandLineParser parser;
     parser.addOptions({ service, path, catalog, state, log, fault, capture, check, help, version });
-
-    const auto wrong = [](const QString &sentence) {
-        return Refusal { "Usage"_q, sentence + " See movra-sim --help."_q };
-    };
     if (!parser.parse(arguments)) {
         throw wrong(parser.errorText());
     }
-    if (!parser.positionalArguments().isEmpty()) {
-        throw wrong(
-            "%1 is one argument too many."_q.arg(quoted(parser.positionalArguments().first())));
+    if (const QStringList stray = parser.positionalArguments(); !stray.isEmpty()) {
+        throw wrong("%1 is one argument too many."_q.arg(quoted(stray.first())));
     }
-    if ((parser.isSet(catalog) && parser.value(catalog).isEmpty())
-        || (parser.isSet(check) && parser.value(check).isEmpty())) {
+    const auto isSetToNothing = [&parser](const QCommandLineOption &option) {
+        return parser.isSet(option) && parser.value(option).isEmpty();
+    };
+    if (isSetToNothing(catalog) || isSetToNothing(check)) {
         throw wrong("The name of the catalogue is empty."_q);
     }
-    if (parser.isSet(log) && parser.value(log).isEmpty()) {
+    if (isSetToNothing(log)) {
         throw wrong("The name of the log is empty."_q);
     }
+
     Options options;
-    for (const QString &text : parser.values(fault)) {
-        options.faults.append(readFault(text));
+    const QStringList faults = parser.values(fault);
+    std::transform(faults.begin(), faults.end(), std::back_inserter(options.faults), readFault);
+    options.service = parser.value(service);
+    options.path = parser.value(path);
+    options.catalogFile = parser.value(catalog);
+    options.logFile = parser.value(log);
+    if (parser.isSet(state)) {
+        const QString name = parser.value(state);
+        options.stateDirectory = name.isEmpty() ? name : QDir::current().absoluteFilePath(name);
     }
     if (parser.isSet(help)) {
         options.task = Options::Task::Help;
     } else if (parser.isSet(version)) {
         options.task = Options::Task::Version;
-    }
-    options.service = parser.value(service);
-    if (parser.isSet(capture) && options.task == Options::Task::Serve) {
+    } else if (parser.isSet(capture)) {
         options.task = Options::Task::Capture;
         options.service = parser.value(capture);
-    }
-    options.path = parser.value(path);
-    options.logFile = parser.value(log);
-    options.catalogFile = parser.value(catalog);
-    if (parser.isSet(check) && options.task == Options::Task::Serve) {
+    } else if (parser.isSet(check)) {
         options.task = Options::Task::Check;
         options.catalogFile = parser.value(check);
-    }
-    if (parser.isSet(state)) {
-        options.stateDirectory = parser.value(state);
     }
     return options;
 }

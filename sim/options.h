@@ -3,13 +3,25 @@
 #pragma once
 
 #include "sim/errors.h"
-#include "sim/faults.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
 #include <optional>
+
+/// Fault injection: what happens to the calls of one member instead of a prompt answer.
+struct Fault {
+    enum class Kind { Delay, Refuse, WrongType, Vanish, Silence };
+    QString member = {}; ///< null: every member
+    QString id = {}; ///< only calls whose first argument is or names this; null: all
+    int only = 0; ///< only this one of the calls, counted from 1; 0: all
+    Kind kind = Kind::Silence;
+    int delay = 0; ///< in milliseconds; only Kind::Delay has any
+    QString error = "Refused"_q; ///< its name; only for Kind::Refuse, like the text
+    QString text = "This call is refused on demand."_q;
+    int calls = 0; ///< that the fault has been compared with
+};
 
 /// What the command line asks for.
 struct Options {
@@ -19,7 +31,7 @@ struct Options {
     QString path;
     QString catalogFile; ///< empty: the built-in catalogue
     QString logFile; ///< `-`: standard output; empty: none
-    std::optional<QString> stateDirectory; ///< without one, the default
+    std::optional<QString> stateDirectory; ///< absolute or empty; without one, the default
     char *const *command = nullptr; ///< its words, up to a null; null: there is no command
     QVector<Fault> faults; ///< in the order given
 };

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -211,8 +212,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
             "No such method '%1' in interface 'varn.pim' at object path '%2' "
             "(signature '%3')"_q.arg(message.member(), message.path(), message.signature());
         reply(connection, message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
-    } else if (const Fault *fault =
-                   faultOf(faults, message.member(), namedIn(message.arguments().value(0)))) {
+    } else if (const Fault *fault = faultFor(message)) {
         suffer(*fault, *method, message, connection);
     } else {
         answer(*method, message, connection);
@@ -246,6 +246,27 @@ void Service::answer(const Method &method, const QDBusMessage &call,
         }
         reply(connection, call, errorReply(call, refusal));
     }
+}
+
+const Fault *Service::faultFor(const QDBusMessage &call)
+{
+    const Fault *found = nullptr;
+    const QStringList ids = namedIn(call.arguments().value(0));
+    const auto rank = [](const Fault &fault) {
+        return std::make_tuple(!fault.member.isNull(), !fault.id.isNull(), fault.only != 0);
+    };
+    for (Fault &fault : faults) {
+        if ((!fault.member.isNull() && fault.member != call.member())
+            || (!fault.id.isNull() && !ids.contains(fault.id))) {
+            continue;
+        }
+        ++fault.calls;
+        if ((fault.only == 0 || fault.only == fault.calls)
+            && (found == nullptr || rank(fault) >= rank(*found))) {
+            found = &fault;
+        }
+    }
+    return found;
 }
 
 void Service::suffer(const Fault &fault, const Method &method, const QDBusMessage &call,

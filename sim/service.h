@@ -5,9 +5,9 @@
 
 #include "sim/actions.h"
 #include "sim/catalog.h"
-#include "sim/faults.h"
 #include "sim/items.h"
 #include "sim/log.h"
+#include "sim/options.h"
 #include "sim/statefiles.h"
 
 #include <QDBusConnection>
@@ -51,6 +51,10 @@ private:
     void reply(const QDBusConnection &connection, const QDBusMessage &call,
                const QDBusMessage &answer);
     void answer(const Method &method, const QDBusMessage &call, const QDBusConnection &connection);
+    /// The fault for a call, which counts it; null: none. Of several faults, one for a member comes
+    /// before one for every member, then one for an identifier before one without, then one for a
+    /// single call; then the last one given counts.
+    const Fault *faultFor(const QDBusMessage &call);
     void suffer(const Fault &fault, const Method &method, const QDBusMessage &call,
                 const QDBusConnection &connection);
 
