@@ -218,6 +218,7 @@ private:
 
 QByteArray captureCatalog(const QString &service, const QString &path)
 {
+    const Application application;
     const auto outlive = qScopeGuard(&outliveBus);
     return Capture(service, path).text();
 }

@@ -5,46 +5,31 @@
 #include "sim/catalog.h"
 #include "sim/service.h"
 
-#include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QSocketNotifier>
 
-#include <array>
-#include <cerrno>
 #include <csignal>
 
-#include <fcntl.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace
 {
 
-// A signal handler may do next to nothing, so it writes one byte for the event loop to find.
-std::array<int, 2> wakePipe { -1, -1 };
-
-void wake(int /*signalNumber*/)
-{
-    const int savedError = errno;
-    const char byte = 0;
-    // When the pipe is full, the event loop has enough to find.
-    [[maybe_unused]] const ssize_t written = ::write(wakePipe[1], &byte, sizeof byte);
-    errno = savedError;
-}
+// A signal handler may do next to nothing, so it makes this descriptor readable.
+int wakeUp = -1;
 
 /// Lets the signals that end the program end the event loop.
 void catchSignals(QObject *context)
 {
-    if (::pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+    wakeUp = ::eventfd(0, EFD_CLOEXEC);
+    if (wakeUp < 0) {
         // They then keep ending the process at once.
         return;
     }
-    auto *notifier = new QSocketNotifier(wakePipe[0], QSocketNotifier::Read, context);
-    QObject::connect(notifier, &QSocketNotifier::activated, context, [notifier] {
-        notifier->setEnabled(false);
-        QCoreApplication::quit();
-    });
+    const auto *notifier = new QSocketNotifier(wakeUp, QSocketNotifier::Read, context);
+    QObject::connect(notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
     for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
         struct sigaction action {
         };
@@ -54,7 +39,7 @@ void catchSignals(QObject *context)
             continue;
         }
         action = {};
-        action.sa_handler = &wake;
+        action.sa_handler = [](int /*signal*/) { ::eventfd_write(wakeUp, 1); };
         action.sa_flags = SA_RESTART;
         ::sigaction(number, &action, nullptr);
     }
@@ -64,7 +49,7 @@ void ownName(const QDBusConnection &bus, const QString &name)
 {
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
         bus.interface()->registerService(name);
-    outliveBus(); // busLost() sees to that from now on
+    outliveBus(); // its end ends the event loop from now on
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
         return;
     }
@@ -87,8 +72,9 @@ QDBusConnection openBus()
     return bus;
 }
 
-void Host::serve(const Options &options, const std::function<void()> &announceReady)
+void serve(const Options &options, const std::function<void()> &announceReady)
 {
+    const Application application;
     const Catalog catalog = loadCatalog(options.catalogFile);
     StateFiles files(options.stateDirectory.value_or(StateFiles::defaultDirectory()));
     if (options.stateDirectory) {
@@ -98,22 +84,23 @@ void Host::serve(const Options &options, const std::function<void()> &announceRe
         }
         files.prepare(place);
     }
-
     Record record(options.logFile);
 
     QDBusConnection bus = openBus();
     bus.connect({}, "/org/freedesktop/DBus/Local"_q, "org.freedesktop.DBus.Local"_q,
-                "Disconnected"_q, this, SLOT(busLost()));
+                "Disconnected"_q, QCoreApplication::instance(), SLOT(quit()));
     Announcer announcer(bus, options.path, record);
     Service service(catalog, files, announcer, record, options.faults);
     bus.registerVirtualObject(options.path, &service);
     constexpr int withoutAWord = 1;
-    connect(&service, &Service::vanished, this, [] { QCoreApplication::exit(withoutAWord); });
-    catchSignals(this);
+    QObject::connect(&service, &Service::vanished, [] { QCoreApplication::exit(withoutAWord); });
+    catchSignals(&service);
     ownName(bus, options.service);
     announceReady();
     service.startTimeline();
-    if (QCoreApplication::exec() != withoutAWord) {
+    const int status = QCoreApplication::exec();
+    const bool hasBus = bus.isConnected();
+    if (status != withoutAWord) {
         announcer.send({ "SigDBusServerClosing"_q, { "movra-sim is closing"_q } });
     }
     // The answer of the bus to this call shows that all that was sent before it has arrived as
@@ -124,10 +111,4 @@ void Host::serve(const Options &options, const std::function<void()> &announceRe
     if (!hasBus) {
         throw Refusal { "Bus"_q, "the session bus went away"_q };
     }
-}
-
-void Host::busLost()
-{
-    hasBus = false;
-    QCoreApplication::quit();
 }

@@ -4,11 +4,9 @@
 #include "sim/host.h"
 #include "sim/options.h"
 
-#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <algorithm>
-#include <array>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
@@ -56,23 +54,6 @@ void checkPath(const QString &path)
     }
 }
 
-/// The application object, which Qt D-Bus needs, without words of its own.
-struct Application {
-    int count = 1;
-    std::array<char, 10> name { "movra-sim" };
-    std::array<char *, 2> words { name.data(), nullptr };
-    QCoreApplication application { count, words.data() };
-};
-
-int serve(const Options &options, const std::function<void()> &announceReady)
-{
-    return carryOut([&] {
-        const Application application;
-        Host().serve(options, announceReady);
-        return 0;
-    });
-}
-
 int run(int count, char **words)
 {
     char **const end = words + count;
@@ -95,7 +76,6 @@ int run(int count, char **words)
         return 0;
     case Options::Task::Capture: {
         checkPath(options.path);
-        const Application application;
         const QByteArray text = captureCatalog(options.service, options.path);
         std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
         return std::fflush(stdout) == 0 ? 0 : 1;
@@ -105,12 +85,13 @@ int run(int count, char **words)
         break;
     }
     if (options.command == nullptr) {
-        return serve(options, [] { print(stdout, "ready\n"_q); });
+        serve(options, [] { print(stdout, "ready\n"_q); });
+        return 0;
     }
     if (*options.command == nullptr) {
         throw Refusal { "Usage"_q, "There is no command. See movra-sim --help."_q };
     }
-    return runCommand(options, serve);
+    return runCommand(options, &carryOut);
 }
 
 } // namespace

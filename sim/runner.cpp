@@ -7,11 +7,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <memory>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -57,11 +57,34 @@ private:
     sigset_t before {};
 };
 
-/// Another process that is told to end, and waited for, with this object.
+/// Another process, which is told to end, and waited for, with this object.
 class Process
 {
 public:
-    Process() = default;
+    enum class Session { Same, Own };
+
+    /// Forks; the new process ends with the status that the task returns.
+    Process(const Signals &signals, Session session, const std::function<int()> &task)
+    {
+        const pid_t parent = ::getpid();
+        pid = ::fork();
+        if (pid < 0) {
+            failWith(qt_error_string(errno));
+        }
+        if (pid == 0) {
+            signals.release();
+            if (session == Session::Own) {
+                // Ctrl-C must not end it before the command.
+                ::setsid();
+                ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+                if (::getppid() != parent) {
+                    ::_exit(0);
+                }
+            }
+            // What this process holds a copy of is not its own to end.
+            ::_exit(task());
+        }
+    }
     ~Process()
     {
         if (pid > 0) {
@@ -71,27 +94,6 @@ public:
     }
     Q_DISABLE_COPY(Process)
 
-    /// Forks; true in the new process.
-    bool fork(const Signals &signals, bool isApart)
-    {
-        const pid_t parent = ::getpid();
-        pid = ::fork();
-        if (pid < 0) {
-            failWith(qt_error_string(errno));
-        }
-        if (pid == 0) {
-            signals.release();
-            if (isApart) {
-                // Ctrl-C must not end it before the command.
-                ::setsid();
-                ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-                if (::getppid() != parent) {
-                    ::_exit(0);
-                }
-            }
-        }
-        return pid == 0;
-    }
     void send(int signalNumber) const { ::kill(pid, signalNumber); }
     /// True once it has ended; its exit status is then that of a shell.
     bool wait(int options)
@@ -127,38 +129,28 @@ struct Pipe {
 };
 
 /// Starts a session bus in the directory and makes it that of this process.
-void startBus(Process &daemon, const Signals &signals, const QTemporaryDir &directory)
+std::unique_ptr<Process> startBus(const Signals &signals, const QTemporaryDir &directory)
 {
-    const auto path = [&](const char *name) {
-        return directory.filePath(QString::fromLatin1(name));
-    };
-    QFile configuration(path("bus.conf"));
-    QFile log(path("bus.log"));
+    QFile configuration(directory.filePath("bus.conf"_q));
+    QFile log(directory.filePath("bus.log"_q));
     if (!directory.isValid() || !configuration.open(QIODevice::WriteOnly)
         || !log.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
         failWith(directory.isValid() ? configuration.errorString() : directory.errorString());
     }
     configuration.write(builtIn("bus.conf"_q));
     configuration.close();
-    std::array<QByteArray, 6> words {
-        "dbus-daemon",
-        "--nofork",
-        "--nopidfile",
-        "--print-address",
-        "--config-file=" + QFile::encodeName(configuration.fileName()),
-        "--address=unix:path=" + QFile::encodeName(path("bus")),
-    };
-    std::array<char *, words.size() + 1> pointers {};
-    std::transform(words.begin(), words.end(), pointers.begin(),
-                   [](QByteArray &word) { return word.data(); });
+    const QByteArray file = "--config-file=" + QFile::encodeName(configuration.fileName());
+    const QByteArray socket =
+        "--address=unix:path=" + QFile::encodeName(directory.filePath("bus"_q));
     Pipe output;
-    if (daemon.fork(signals, true)) {
+    auto daemon = std::make_unique<Process>(signals, Process::Session::Own, [&] {
         ::dup2(output.writer.handle(), STDOUT_FILENO);
         ::dup2(log.handle(), STDERR_FILENO);
-        ::execvp(pointers[0], pointers.data());
+        ::execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nopidfile", "--print-address",
+                 file.constData(), socket.constData(), static_cast<char *>(nullptr));
         log.write("dbus-daemon cannot be run: " + qt_error_string(errno).toLocal8Bit());
-        ::_exit(1);
-    }
+        return 1;
+    });
     output.writer.close();
     const QByteArray address = output.reader.readLine().trimmed();
     if (address.isEmpty()) {
@@ -166,51 +158,31 @@ void startBus(Process &daemon, const Signals &signals, const QTemporaryDir &dire
         failWith(shown(QString::fromLocal8Bit(log.readAll().trimmed())));
     }
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-}
-
-/// Starts the command, which keeps the standard streams and the terminal.
-void startCommand(Process &command, const Signals &signals, char *const *words)
-{
-    Pipe report;
-    if (command.fork(signals, false)) {
-        ::execvp(words[0], words);
-        report.writer.write(QByteArray::number(errno));
-        ::_exit(1);
-    }
-    report.writer.close();
-    // The pipe ends without a word once the command runs.
-    if (const int failure = report.reader.readAll().toInt(); failure != 0) {
-        command.wait(0);
-        throw Refusal { failure == ENOENT ? "NotFound"_q : "NotRunnable"_q,
-                        "%1 cannot be run: %2"_q.arg(quoted(QFile::decodeName(words[0])),
-                                                     qt_error_string(failure)) };
-    }
+    return daemon;
 }
 
 } // namespace
 
-int runCommand(Options options,
-               const std::function<int(const Options &, const std::function<void()> &)> &serve)
+int runCommand(Options options, int (*carryOut)(const std::function<int()> &task))
 {
     constexpr int patience = 5;
     const QTemporaryDir directory(QDir::tempPath() + "/movra-sim-XXXXXX"_q);
     const Signals signals;
-    Process daemon;
-    startBus(daemon, signals, directory);
+    const std::unique_ptr<Process> daemon = startBus(signals, directory);
     if (!options.stateDirectory) {
-        options.stateDirectory = directory.filePath("state"_q);
+        options.stateDirectory = QDir::current().absoluteFilePath(directory.filePath("state"_q));
     }
-    qputenv("MOVRA_SIM_STATE",
-            QFile::encodeName(QDir::current().absoluteFilePath(*options.stateDirectory)));
+    qputenv("MOVRA_SIM_STATE", QFile::encodeName(*options.stateDirectory));
 
-    Process service;
     Pipe ready;
-    if (service.fork(signals, true)) {
+    Process service(signals, Process::Session::Own, [&] {
         const pid_t parent = ::getppid();
-        ready.reader.close();
-        const int status = serve(options, [&ready] {
-            ready.writer.write("ready");
-            ready.writer.close();
+        const int status = carryOut([&] {
+            serve(options, [&ready] {
+                ready.writer.write("ready");
+                ready.writer.close();
+            });
+            return 0;
         });
         if (::getppid() != parent) {
             // The parent was killed. The bus removes its socket, which can make one attempt fail.
@@ -219,17 +191,25 @@ int runCommand(Options options,
                 QDir(path).removeRecursively();
             }
         }
-        // What this process holds a copy of is not its own to end.
-        ::_exit(status);
-    }
+        return status;
+    });
     ready.writer.close();
     if (ready.reader.readAll().isEmpty()) {
         service.wait(0);
         return service.status;
     }
 
-    Process command;
-    startCommand(command, signals, options.command);
+    // It keeps the standard streams and the terminal.
+    Process command(signals, Process::Session::Same, [&] {
+        return carryOut([&]() -> int {
+            ::execvp(options.command[0], options.command);
+            const int error = errno;
+            throw Refusal { error == ENOENT ? "NotFound"_q : "NotRunnable"_q,
+                            "%1 cannot be run: %2"_q.arg(
+                                quoted(QFile::decodeName(options.command[0])),
+                                qt_error_string(error)) };
+        });
+    });
     bool isLeaving = false;
     while (!command.wait(WNOHANG)) {
         const int number = signals.next(isLeaving ? patience : 0);
