@@ -84,13 +84,12 @@ void serve(const Options &options, const std::function<void()> &announceReady)
         }
         files.prepare(place);
     }
-    Record record(options.logFile);
-
+    // Before there is a connection that would end the process.
+    Announcer announcer(options.path, options.logFile);
     QDBusConnection bus = openBus();
     bus.connect({}, "/org/freedesktop/DBus/Local"_q, "org.freedesktop.DBus.Local"_q,
                 "Disconnected"_q, QCoreApplication::instance(), SLOT(quit()));
-    Announcer announcer(bus, options.path, record);
-    Service service(catalog, files, announcer, record, options.faults);
+    Service service(catalog, files, announcer, options.faults);
     bus.registerVirtualObject(options.path, &service);
     constexpr int withoutAWord = 1;
     QObject::connect(&service, &Service::vanished, [] { QCoreApplication::exit(withoutAWord); });
@@ -107,7 +106,7 @@ void serve(const Options &options, const std::function<void()> &announceReady)
     // well.
     bus.unregisterService(options.service);
     bus.unregisterObject(options.path);
-    record.check();
+    announcer.checkRecord();
     if (!hasBus) {
         throw Refusal { "Bus"_q, "the session bus went away"_q };
     }

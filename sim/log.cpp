@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDBusArgument>
+#include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QDBusSignature>
 #include <QDBusVariant>
@@ -18,6 +19,68 @@
 #include <utility>
 
 #include <unistd.h>
+
+// What messages hold as JSON, as a catalogue would have it. The JSON library finds these functions
+// only if their namespace is that of Qt's types.
+
+static void to_json(Json &json, const QVariant &value);
+
+static void to_json(Json &json, const IdValueStruct &record)
+{
+    json = { record.id.toStdString(), record.value };
+}
+
+static void to_json(Json &json, const IdValueStatusStruct &record)
+{
+    json = { record.id.toStdString(), record.value, record.status };
+}
+
+/// Arrays, records and dictionaries become arrays; an entry of a dictionary is one of two elements.
+static void to_json(Json &json, const QDBusArgument &argument)
+{
+    const QDBusArgument::ElementType type = argument.currentType();
+    if (type == QDBusArgument::BasicType || type == QDBusArgument::VariantType) {
+        json = argument.asVariant();
+        return;
+    }
+    json = Json::array();
+    // Qt D-Bus enters every kind of container in the same way.
+    argument.beginStructure();
+    while (!argument.atEnd()) {
+        json.push_back(argument);
+    }
+    argument.endStructure();
+}
+
+/// Converts the variant if it holds a value of one of the types.
+template <typename... Types> static bool convertAs(Json &json, const QVariant &value)
+{
+    return ((value.userType() == qMetaTypeId<Types>() && (json = value.value<Types>(), true))
+            || ...);
+}
+
+static void to_json(Json &json, const QVariant &value)
+{
+    if (convertAs<QDBusArgument, IdValueStatusStruct, QList<IdValueStruct>,
+                  QList<IdValueStatusStruct>, QList<int>>(json, value)) {
+        return;
+    }
+    const int type = value.userType();
+    if (type == qMetaTypeId<QDBusVariant>()) {
+        json = value.value<QDBusVariant>().variant();
+    } else if (const ValueType *known = typeWithSignature(signatureOf(value))) {
+        json = known->toJson(value);
+    } else if (type == QMetaType::QByteArray) {
+        const QByteArray bytes = value.toByteArray();
+        json = std::vector<unsigned char>(bytes.begin(), bytes.end());
+    } else if (type == qMetaTypeId<QDBusObjectPath>()) {
+        json = value.value<QDBusObjectPath>().path().toStdString();
+    } else if (type == qMetaTypeId<QDBusSignature>()) {
+        json = value.value<QDBusSignature>().signature().toStdString();
+    } else {
+        json = value.toString().toStdString();
+    }
+}
 
 namespace
 {
@@ -41,77 +104,6 @@ Refusal unknownLog(const QString &name)
     return { "UnknownId"_q, unknownId(name).sentence };
 }
 
-Json jsonOf(const QVariant &value);
-
-template <typename List> Json jsonOfAll(const List &values)
-{
-    Json list = Json::array();
-    for (const auto &each : values) {
-        list.push_back(jsonOf(QVariant::fromValue(each)));
-    }
-    return list;
-}
-
-/// Arrays, records and dictionaries become arrays; an entry of a dictionary is one of two elements.
-Json jsonOf(const QDBusArgument &argument)
-{
-    const QDBusArgument::ElementType type = argument.currentType();
-    if (type == QDBusArgument::BasicType || type == QDBusArgument::VariantType) {
-        return jsonOf(argument.asVariant());
-    }
-    Json list = Json::array();
-    // Qt D-Bus enters every kind of container in the same way.
-    argument.beginStructure();
-    while (!argument.atEnd()) {
-        list.push_back(jsonOf(argument));
-    }
-    argument.endStructure();
-    return list;
-}
-
-/// A value of a message, as a catalogue would have it.
-Json jsonOf(const QVariant &value)
-{
-    const int type = value.userType();
-    if (type == qMetaTypeId<QDBusVariant>()) {
-        return jsonOf(value.value<QDBusVariant>().variant());
-    }
-    if (type == qMetaTypeId<QDBusArgument>()) {
-        return jsonOf(value.value<QDBusArgument>());
-    }
-    if (type == qMetaTypeId<IdValueStruct>()) {
-        const auto record = value.value<IdValueStruct>();
-        return { record.id.toStdString(), jsonOf(record.value) };
-    }
-    if (type == qMetaTypeId<IdValueStatusStruct>()) {
-        const auto record = value.value<IdValueStatusStruct>();
-        return { record.id.toStdString(), jsonOf(record.value), record.status };
-    }
-    if (type == qMetaTypeId<QList<IdValueStruct>>()) {
-        return jsonOfAll(value.value<QList<IdValueStruct>>());
-    }
-    if (type == qMetaTypeId<QList<IdValueStatusStruct>>()) {
-        return jsonOfAll(value.value<QList<IdValueStatusStruct>>());
-    }
-    if (type == qMetaTypeId<QList<int>>()) {
-        return jsonOfAll(value.value<QList<int>>());
-    }
-    if (const ValueType *known = typeWithSignature(signatureOf(value))) {
-        return known->toJson(value);
-    }
-    if (type == QMetaType::QByteArray) {
-        const QByteArray bytes = value.toByteArray();
-        return std::vector<unsigned char>(bytes.begin(), bytes.end());
-    }
-    if (type == qMetaTypeId<QDBusObjectPath>()) {
-        return value.value<QDBusObjectPath>().path().toStdString();
-    }
-    if (type == qMetaTypeId<QDBusSignature>()) {
-        return value.value<QDBusSignature>().signature().toStdString();
-    }
-    return value.toString().toStdString();
-}
-
 /// The fields of an identifier, which colons surround and separate.
 QStringList fieldsOf(const QString &id)
 {
@@ -122,21 +114,35 @@ QStringList fieldsOf(const QString &id)
 
 } // namespace
 
-Record::Record(const QString &fileName)
+Announcer::Announcer(QString objectPath, const QString &recordFile)
+    : path(std::move(objectPath))
+    , file(recordFile)
 {
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
-    file.setFileName(fileName);
-    if (!fileName.isEmpty()
-        && !(fileName == "-"_q ? file.open(STDOUT_FILENO, mode) : file.open(mode))) {
+    if (!recordFile.isEmpty()
+        && !(recordFile == "-"_q ? file.open(STDOUT_FILENO, mode) : file.open(mode))) {
         problem = file.errorString();
-        check();
+        checkRecord();
     }
 }
 
-void Record::note(const QDBusMessage &message, const QDBusMessage *answer)
+void Announcer::send(const Signal &signal)
+{
+    QDBusMessage message = QDBusMessage::createSignal(path, "varn.pim"_q, signal.member);
+    message.setArguments(signal.arguments);
+    record(message);
+    QDBusConnection::sessionBus().send(message);
+}
+
+void Announcer::record(const QDBusMessage &message, const QDBusMessage *answer)
 {
     if (!file.isOpen()) {
         return;
+    }
+    const QVariantList arguments = message.arguments();
+    QString signature;
+    for (const QVariant &each : arguments) {
+        signature += signatureOf(each);
     }
     nlohmann::ordered_json line;
     line["time"] = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
@@ -145,18 +151,13 @@ void Record::note(const QDBusMessage &message, const QDBusMessage *answer)
     if (!message.service().isEmpty()) {
         line["sender"] = message.service().toStdString();
     }
-    QString signature;
-    const QVariantList arguments = message.arguments();
-    for (const QVariant &each : arguments) {
-        signature += signatureOf(each);
-    }
     line["signature"] = signature.toStdString();
-    line["arguments"] = jsonOfAll(arguments);
+    line["arguments"] = Json(arguments);
     if (answer != nullptr && answer->type() == QDBusMessage::ErrorMessage) {
         line["refusal"] = { { "name", answer->errorName().toStdString() },
                             { "sentence", answer->errorMessage().toStdString() } };
     } else if (answer != nullptr) {
-        line["answer"] = jsonOfAll(answer->arguments());
+        line["answer"] = Json(answer->arguments());
     }
     const QByteArray bytes = QByteArray::fromStdString(line.dump()) + '\n';
     if (file.write(bytes) != bytes.size()) {
@@ -166,28 +167,13 @@ void Record::note(const QDBusMessage &message, const QDBusMessage *answer)
     }
 }
 
-void Record::check() const
+void Announcer::checkRecord() const
 {
     if (!problem.isEmpty()) {
         throw Refusal {
             "Record"_q, "the log %1 cannot be written: %2"_q.arg(quoted(file.fileName()), problem)
         };
     }
-}
-
-Announcer::Announcer(const QDBusConnection &bus, QString objectPath, Record &recordOfSignals)
-    : connection(bus)
-    , path(std::move(objectPath))
-    , record(recordOfSignals)
-{
-}
-
-void Announcer::send(const Signal &signal)
-{
-    QDBusMessage message = QDBusMessage::createSignal(path, "varn.pim"_q, signal.member);
-    message.setArguments(signal.arguments);
-    record.note(message);
-    connection.send(message);
 }
 
 Log::Log(const QStringList &logNames, const QStringList &debugLogNames, StateFiles &stateFiles,

@@ -5,7 +5,6 @@
 
 #include "sim/statefiles.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QFile>
 #include <QHash>
@@ -22,28 +21,13 @@ struct Signal {
     QVariantList arguments;
 };
 
-/// A file with one JSON object a line for each call and each signal; lines are flushed at once.
-class Record
-{
-public:
-    /// Opens the file, which may be `-` for standard output; an empty name means no record.
-    explicit Record(const QString &fileName);
-
-    /// Notes a call with its answer, if it gets one, or a signal that is sent.
-    void note(const QDBusMessage &message, const QDBusMessage *answer = nullptr);
-    /// Refuses to go on when a line could not be written; the event loop ends then.
-    void check() const;
-
-private:
-    QFile file;
-    QString problem;
-};
-
-/// Sends the signals of the interface.
+/// Sends the signals of the interface on the session bus, and keeps a record of these and of the
+/// calls: a file with one JSON object a line. Lines are flushed at once.
 class Announcer
 {
 public:
-    Announcer(const QDBusConnection &bus, QString objectPath, Record &recordOfSignals);
+    /// Opens the record, which may be `-` for standard output; an empty name means there is none.
+    Announcer(QString objectPath, const QString &recordFile);
 
     /// Sends one signal; it is on its way, not delivered, when this returns.
     void send(const Signal &signal);
@@ -52,10 +36,15 @@ public:
     /// Sends SigError.
     void error(const QString &text) { send({ "SigError"_q, { text } }); }
 
+    /// Records a call with its answer, if it gets one, or a signal.
+    void record(const QDBusMessage &message, const QDBusMessage *answer = nullptr);
+    /// Refuses to go on when a line could not be written; the event loop ends then.
+    void checkRecord() const;
+
 private:
-    QDBusConnection connection;
     QString path;
-    Record &record;
+    QFile file;
+    QString problem;
 };
 
 /// How much an entry matters; a reporting level shows itself and those before it.

@@ -102,7 +102,7 @@ const Service::Method Service::methods[] = {
       [](Service &s, In a, Out) {
           s.serverCommand(a.at(0).toString(), a.at(1).value<QDBusVariant>().variant());
       } },
-    { "DBusServerStatus", "", [](Service &s, In, Out out) { out = { s.actions.runningCount() }; } },
+    { "DBusServerStatus", "", [](Service &s, In, Out out) { out = { s.changes.runningCount() }; } },
     { "DeleteFromNotifyList", "as",
       [](Service &s, In a, Out) { s.ignore(a.at(0).toStringList()); } },
     { "DeleteFromNotifyList", "s",
@@ -110,18 +110,17 @@ const Service::Method Service::methods[] = {
     { "DoAction", "ss",
       [](Service &s, In a, Out out) {
           const QString value = a.at(1).toString();
-          s.actions.start(a.at(0).toString(), &value);
-          out = { s.actions.replyTo(a.at(0).toString(), value) };
+          out = { s.changes.startAction(a.at(0).toString(), &value) };
       } },
     { "DoAction", "s",
-      [](Service &s, In a, Out) { s.actions.start(a.at(0).toString(), nullptr); } },
+      [](Service &s, In a, Out) { s.changes.startAction(a.at(0).toString(), nullptr); } },
     { "GetStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(a, statusOf); } },
     { "GetStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(a, statusOf); } },
     { "GetValue", "as", [](Service &s, In a, Out out) { out = s.readAll(a, idAndValueOf); } },
     { "GetValue", "s", [](Service &s, In a, Out out) { out = s.readOne(a, valueOf); } },
     { "GetValueStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(a, allOf); } },
     { "GetValueStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(a, allOf); } },
-    { "ListActionIds", "", [](Service &s, In, Out out) { out = { s.actions.ids() }; } },
+    { "ListActionIds", "", [](Service &s, In, Out out) { out = { s.changes.actionIds() }; } },
     { "ListConfigIds", "",
       [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Config) }; } },
     { "ListResultIds", "",
@@ -156,16 +155,14 @@ const Service::Method Service::methods[] = {
 };
 
 Service::Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
-                 Record &recordOfCalls, QVector<Fault> faultsOnDemand)
+                 QVector<Fault> faultsOnDemand)
     : files(stateFiles)
     , announcer(signalAnnouncer)
-    , record(recordOfCalls)
     , logNames(catalog.logs)
     , debugLogNames(catalog.debugLogs)
     , log(catalog.logs, catalog.debugLogs, files, announcer)
     , items(catalog.items, announcer)
-    , actions(catalog.actions, items, log, announcer)
-    , timeline(catalog.timeline, items, log, announcer)
+    , changes(catalog.actions, catalog.timeline, items, log, announcer)
     , faults(std::move(faultsOnDemand))
 {
     registerBusTypes();
@@ -223,7 +220,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
 void Service::reply(const QDBusConnection &connection, const QDBusMessage &call,
                     const QDBusMessage &answer)
 {
-    record.note(call, &answer);
+    announcer.record(call, &answer);
     if (call.isReplyRequired()) {
         connection.send(answer);
     }
@@ -289,12 +286,12 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
         reply(connection, call, call.createReply(ofAnotherType));
         break;
     case Fault::Kind::Vanish:
-        record.note(call);
+        announcer.record(call);
         hasVanished = true;
         Q_EMIT vanished();
         break;
     case Fault::Kind::Silence:
-        record.note(call);
+        announcer.record(call);
         break;
     }
 }

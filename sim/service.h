@@ -3,8 +3,8 @@
 // signature, and is answered or refused from there.
 #pragma once
 
-#include "sim/actions.h"
 #include "sim/catalog.h"
+#include "sim/changes.h"
 #include "sim/items.h"
 #include "sim/log.h"
 #include "sim/options.h"
@@ -27,10 +27,10 @@ class Service : public QDBusVirtualObject
 
 public:
     Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
-            Record &recordOfCalls, QVector<Fault> faultsOnDemand);
+            QVector<Fault> faultsOnDemand);
 
     /// The time of the timeline begins.
-    void startTimeline() { timeline.start(); }
+    void startTimeline() { changes.startTimeline(); }
     /// Whether a method of the interface has this name.
     static bool hasMember(const QString &name);
 
@@ -76,13 +76,11 @@ private:
 
     StateFiles &files;
     Announcer &announcer;
-    Record &record;
     QStringList logNames;
     QStringList debugLogNames;
     Log log;
     Items items;
-    Actions actions;
-    Timeline timeline;
+    Changes changes;
     QVector<Fault> faults;
     bool hasVanished = false;
 };
