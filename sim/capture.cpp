@@ -48,14 +48,16 @@ public:
         const QStringList configs = list("ListConfigIds");
         const QStringList results = list("ListResultIds");
         total = configs.size() + results.size();
+        const auto readItem = [this](const QString &id) { return item(id); };
         // Line by line: the order of the calls is that of the lists.
-        QByteArray text = "{\n" + listText("configs", items(configs));
-        text += listText("results", items(results));
-        text += listText("actions", actions());
+        QByteArray text = "{\n" + listText("configs", configs, readItem);
+        text += listText("results", results, readItem);
+        text += listText("actions", list("ListActionIds"), [this](const QString &id) {
+            return take(id) ? Line { { "id", id.toStdString() } } : Line();
+        });
         const QString logs = ask("LogGetIds", "s").value(0).toString();
-        text +=
-            listText("logs", names(logs.split(QLatin1Char(' '), Qt::SkipEmptyParts), isLogName));
-        text += listText("debugLogs", names(list("DbgLogGetIds"), isDebugLogName));
+        text += namesText("logs", logs.split(QLatin1Char(' '), Qt::SkipEmptyParts), isLogName);
+        text += namesText("debugLogs", list("DbgLogGetIds"), isDebugLogName);
         text.chop(2);
         text += "\n}\n";
         showProgress(true);
@@ -100,11 +102,13 @@ private:
 
     QStringList list(const char *member) { return ask(member, "as").value(0).toStringList(); }
 
-    void skip(const QString &what, const QString &reason)
+    /// Tells why there is no entry for something.
+    Line skip(const QString &what, const QString &reason)
     {
         showProgress(true);
         std::fprintf(stderr, "movra-sim: skipped %s: %s\n", qUtf8Printable(quoted(what)),
                      qUtf8Printable(shown(reason)));
+        return {};
     }
 
     /// Whether the identifier can be in the catalogue.
@@ -118,79 +122,60 @@ private:
         return true;
     }
 
-    QVector<Line> items(const QStringList &ids)
+    /// The entry of an item; null: it is skipped.
+    Line item(const QString &id)
     {
-        QVector<Line> entries;
-        for (const QString &id : ids) {
-            showProgress(false);
-            const QVariantList answer =
-                take(id) ? ask("GetValueStatus", "(svi)", { id }) : QVariantList();
-            if (answer.isEmpty()) {
-                continue;
-            }
-            const auto found = qdbus_cast<IdValueStatusStruct>(answer.at(0));
-            if (found.id != id) {
-                throw failure("%1: the answer is about %2"_q.arg(quoted(id), quoted(found.id)));
-            }
-            const QString signature = signatureOf(found.value);
-            const ValueType *type = typeWithSignature(signature);
-            if (type == nullptr) {
-                skip(id,
-                     "a catalogue has no type for a value of D-Bus type "_q + quoted(signature));
-                continue;
-            }
-            if (const QString reason = type->excess(found.value); !reason.isNull()) {
-                skip(id, "its value: "_q + reason);
-                continue;
-            }
-            Line entry;
-            entry["id"] = id.toStdString();
-            entry["type"] = type->name;
-            entry["value"] = type->toJson(type->fromBus(found.value, {}));
-            if (found.status != 0) {
-                entry["status"] = found.status;
-            }
-            entries.append(entry);
+        showProgress(false);
+        const QVariantList answer =
+            take(id) ? ask("GetValueStatus", "(svi)", { id }) : QVariantList();
+        if (answer.isEmpty()) {
+            return {};
         }
-        return entries;
+        const auto found = qdbus_cast<IdValueStatusStruct>(answer.at(0));
+        if (found.id != id) {
+            throw failure("%1: the answer is about %2"_q.arg(quoted(id), quoted(found.id)));
+        }
+        const QString signature = signatureOf(found.value);
+        const ValueType *type = typeWithSignature(signature);
+        if (type == nullptr) {
+            return skip(id,
+                        "a catalogue has no type for a value of D-Bus type "_q + quoted(signature));
+        }
+        if (const QString reason = type->excess(found.value); !reason.isNull()) {
+            return skip(id, "its value: "_q + reason);
+        }
+        Line entry { { "id", id.toStdString() }, { "type", type->name } };
+        entry["value"] = type->toJson(type->fromBus(found.value, {}));
+        if (found.status != 0) {
+            entry["status"] = found.status;
+        }
+        return entry;
     }
 
-    QVector<Line> actions()
-    {
-        QVector<Line> entries;
-        for (const QString &id : list("ListActionIds")) {
-            if (take(id)) {
-                Line entry;
-                entry["id"] = id.toStdString();
-                entries.append(entry);
-            }
-        }
-        return entries;
-    }
-
-    QVector<Line> names(const QStringList &found, bool (*isName)(const QString &))
-    {
-        QVector<Line> entries;
-        QSet<QString> taken;
-        for (const QString &name : found) {
-            if (!isName(name) || taken.contains(name)) {
-                skip(name, "no catalogue can have this log"_q);
-                continue;
-            }
-            taken.insert(name);
-            entries.append(name.toStdString());
-        }
-        return entries;
-    }
-
-    static QByteArray listText(const char *key, const QVector<Line> &entries)
+    /// A list of the catalogue; `read` makes an entry of an identifier, or null.
+    template <typename Read>
+    static QByteArray listText(const char *key, const QStringList &found, Read read)
     {
         QByteArrayList lines;
-        for (const Line &entry : entries) {
-            lines.append("\n    " + QByteArray::fromStdString(entry.dump()));
+        for (const QString &each : found) {
+            if (const Line entry = read(each); !entry.is_null()) {
+                lines.append("\n    " + QByteArray::fromStdString(entry.dump()));
+            }
         }
         const QByteArray end = lines.isEmpty() ? "]" : "\n  ]";
         return QByteArray("  \"") + key + "\": [" + lines.join(',') + end + ",\n";
+    }
+
+    QByteArray namesText(const char *key, const QStringList &found, bool (*isName)(const QString &))
+    {
+        QSet<QString> taken;
+        return listText(key, found, [&](const QString &name) {
+            if (!isName(name) || taken.contains(name)) {
+                return skip(name, "no catalogue can have this log"_q);
+            }
+            taken.insert(name);
+            return Line(name.toStdString());
+        });
     }
 
     /// On a terminal, shows how many identifiers have been asked for, or clears that.

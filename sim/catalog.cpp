@@ -15,13 +15,6 @@
 #include <utility>
 #include <vector>
 
-// The linker leaves a static library's resources out unless somebody names them, and the macro that
-// does so must not stand in a namespace.
-static void nameResources()
-{
-    Q_INIT_RESOURCE(sim);
-}
-
 namespace
 {
 
@@ -361,8 +354,7 @@ Catalog loadCatalog(const QString &fileName)
 
 QByteArray builtIn(const QString &name)
 {
-    nameResources();
-    QFile file(":/movra-sim/"_q + name);
+    QFile file(":/"_q + name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 

@@ -2,10 +2,12 @@
 // The one error type of the simulator, and how text from outside is shown in sentences.
 #pragma once
 
+#include <QChar>
 #include <QLatin1Char>
 #include <QLatin1String>
 #include <QString>
 
+#include <algorithm>
 #include <cstddef>
 
 /// A literal as text; it is UTF-8.
@@ -24,6 +26,11 @@ struct Refusal {
     QString about = {}; ///< the identifier whose log notes the refusal; null: no log does
 };
 
+inline bool isControl(QChar character)
+{
+    return character.category() == QChar::Other_Control;
+}
+
 /// At most 200 characters on one line: a longer text ends in "...", control characters become
 /// blanks. A sentence must stay far below what one bus message can carry.
 inline QString shown(const QString &text)
@@ -33,11 +40,7 @@ inline QString shown(const QString &text)
     if (!line.isEmpty() && line.at(line.size() - 1).isHighSurrogate()) {
         line.chop(1);
     }
-    for (QChar &character : line) {
-        if (character.category() == QChar::Other_Control) {
-            character = QLatin1Char(' ');
-        }
-    }
+    std::replace_if(line.begin(), line.end(), isControl, QLatin1Char(' '));
     return text.size() > longest ? line + "..."_q : line;
 }
 

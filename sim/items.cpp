@@ -37,7 +37,7 @@ void Items::assign(const QVector<Assignment> &assignments)
         if (listed.contains(assignment.index)
             && (status != item.status
                 || item.type->toJson(item.value) != item.type->toJson(value))) {
-            of(item.kind).pending.insert(assignment.index, true);
+            of(item.kind).pending.insert(assignment.index);
         }
         item.value = value;
         item.status = status;
@@ -52,7 +52,7 @@ void Items::assign(const QVector<Assignment> &assignments)
 void Items::ignore(int index)
 {
     listed.remove(index);
-    of(at(index).kind).pending.remove(index);
+    of(at(index).kind).pending.erase(index);
 }
 
 void Items::ignoreAll(ItemKind kind)
@@ -99,10 +99,8 @@ void Items::run(ItemKind kind)
 
 void Items::announce(ItemKind kind)
 {
-    const auto changed = std::exchange(of(kind).pending, {});
-    for (auto each = changed.keyBegin(); each != changed.keyEnd(); ++each) {
-        const Item &item = at(*each);
-        announcer.send(
-            { "SigUpdate"_q, { item.id + QLatin1Char('=') + item.type->toText(item.value) } });
+    for (const int index : std::exchange(of(kind).pending, {})) {
+        const QString text = at(index).type->toText(at(index).value);
+        announcer.send({ "SigUpdate"_q, { at(index).id + QLatin1Char('=') + text } });
     }
 }

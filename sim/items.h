@@ -7,7 +7,6 @@
 #include "sim/value.h"
 
 #include <QHash>
-#include <QMap>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -17,6 +16,7 @@
 #include <QVector>
 
 #include <optional>
+#include <set>
 
 /// Clients can set configs; results change only by themselves.
 enum class ItemKind { Config, Result };
@@ -73,7 +73,7 @@ private:
         QTimer timer;
         int pace = 1000;
         bool started = false;
-        QMap<int, bool> pending; ///< the indexes of changed items, in catalogue order
+        std::set<int> pending; ///< the indexes of changed items
     };
 
     Schedule &of(ItemKind kind) { return kind == ItemKind::Config ? configs : results; }

@@ -23,33 +23,24 @@ const QString ownPrefix = ".movra-sim."_q;
 void checkName(const QString &name)
 {
     constexpr int mostNameBytes = 200;
-    QString reason;
-    if (name.isEmpty()) {
-        reason = "it is empty"_q;
-    } else if (name == "."_q || name == ".."_q) {
-        reason = "it stands for a directory"_q;
-    } else if (name.contains(QLatin1Char('/'))) {
-        reason = "it holds a slash"_q;
-    } else if (std::any_of(name.begin(), name.end(), [](QChar character) {
-                   return character.category() == QChar::Other_Control;
-               })) {
-        reason = "it holds a control character"_q;
-    } else if (name.startsWith(ownPrefix)) {
-        reason = "names that begin with %1 are the simulator's own"_q.arg(ownPrefix);
-    } else if (name.toUtf8().size() > mostNameBytes) {
-        reason = "it is longer than %1 bytes"_q.arg(mostNameBytes);
-    } else {
-        return;
-    }
-    throw Refusal { "BadName"_q,
-                    "%1 cannot be the name of a file: %2."_q.arg(quoted(name), reason) };
-}
-
-void checkRegular(const QString &path, const Place &place)
-{
-    const QFileInfo info(path);
-    if (info.isSymLink() || (info.exists() && !info.isFile())) {
-        throw place.refusal("it is not a regular file"_q);
+    const struct {
+        bool isBroken;
+        QString reason;
+    } rules[] = {
+        { name.isEmpty(), "it is empty"_q },
+        { name == "."_q || name == ".."_q, "it stands for a directory"_q },
+        { name.contains(QLatin1Char('/')), "it holds a slash"_q },
+        { std::any_of(name.begin(), name.end(), isControl), "it holds a control character"_q },
+        { name.startsWith(ownPrefix),
+          "names that begin with %1 are the simulator's own"_q.arg(ownPrefix) },
+        { name.toUtf8().size() > mostNameBytes, "it is longer than %1 bytes"_q.arg(mostNameBytes) },
+    };
+    for (const auto &rule : rules) {
+        if (rule.isBroken) {
+            throw Refusal {
+                "BadName"_q, "%1 cannot be the name of a file: %2."_q.arg(quoted(name), rule.reason)
+            };
+        }
     }
 }
 
@@ -71,18 +62,6 @@ QByteArray readFile(const QString &path, const QString &excess, const Place &pla
     return bytes;
 }
 
-StateFiles::StateFiles(QString directoryPath)
-    : directory(std::move(directoryPath))
-{
-}
-
-StateFiles::~StateFiles()
-{
-    if (lock >= 0) {
-        ::close(lock);
-    }
-}
-
 QString StateFiles::defaultDirectory()
 {
     using Row = std::pair<const char *, const char *>;
@@ -98,9 +77,6 @@ QString StateFiles::defaultDirectory()
 
 void StateFiles::prepare(const Place &place)
 {
-    if (directory.isEmpty()) {
-        throw place.refusal("neither XDG_STATE_HOME nor HOME says where"_q);
-    }
     if (!QDir().mkpath(directory)) {
         throw place.refusal("%1 is no directory and cannot be created"_q.arg(quoted(directory)));
     }
@@ -109,7 +85,8 @@ void StateFiles::prepare(const Place &place)
         throw place.refusal(quoted(directory) + ": "_q + qt_error_string(errno));
     }
     if (lock < 0) {
-        // The directory itself is locked, so that the lock is no file in it.
+        // The directory itself is locked, so that the lock is no file in it, until the process
+        // ends.
         lock = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) != 0) {
             const QString reason = errno == EWOULDBLOCK
@@ -137,32 +114,33 @@ QString StateFiles::pathOf(const QString &name) const
     return directory.isEmpty() ? name : directory + QLatin1Char('/') + name;
 }
 
-Place StateFiles::placeOf(const char *verb, const QString &name) const
+Place StateFiles::check(const char *verb, const QString &name) const
 {
     checkName(name);
     Place place { "File"_q, {}, {}, "."_q };
     place.path = "Cannot %1 %2"_q.arg(QLatin1String(verb), quoted(pathOf(name)));
+    if (directory.isEmpty()) {
+        throw place.refusal("neither XDG_STATE_HOME nor HOME says where"_q);
+    }
+    const QFileInfo info(pathOf(name));
+    if (info.isSymLink() || (info.exists() && !info.isFile())) {
+        throw place.refusal("it is not a regular file"_q);
+    }
     return place;
 }
 
 QByteArray StateFiles::read(const QString &name) const
 {
-    const Place place = placeOf("read", name);
-    if (directory.isEmpty()) {
-        throw place.refusal("neither XDG_STATE_HOME nor HOME says where"_q);
-    }
-    checkRegular(pathOf(name), place);
-    return readFile(pathOf(name), "it is larger than 16 MiB"_q, place);
+    return readFile(pathOf(name), "it is larger than 16 MiB"_q, check("read", name));
 }
 
 void StateFiles::write(const QString &name, const QByteArray &bytes)
 {
-    const Place place = placeOf("write", name);
+    const Place place = check("write", name);
     if (bytes.size() > mostBytesOfFile) {
         throw place.refusal("it would be larger than 16 MiB"_q);
     }
     prepare(place);
-    checkRegular(pathOf(name), place);
     removeLeftovers();
     // QSaveFile would choose a name that begins like the file's own; what a killed simulator leaves
     // must be known by its name.
@@ -180,9 +158,8 @@ void StateFiles::write(const QString &name, const QByteArray &bytes)
 
 std::unique_ptr<QFile> StateFiles::create(const QString &name)
 {
-    const Place place = placeOf("write", name);
+    const Place place = check("write", name);
     prepare(place);
-    checkRegular(pathOf(name), place);
     auto file = std::make_unique<QFile>(pathOf(name));
     // No line of a debug log begins so.
     if (file->open(QIODevice::ReadOnly) && file->peek(1) == "{") {

@@ -11,6 +11,7 @@
 #include <QString>
 
 #include <memory>
+#include <utility>
 
 /// Most that a catalogue or a file of the state directory ever holds.
 constexpr int mostBytesOfFile = 16 * 1024 * 1024;
@@ -23,9 +24,10 @@ class StateFiles
 {
 public:
     /// `directoryPath` may be empty: then every access is refused.
-    explicit StateFiles(QString directoryPath);
-    ~StateFiles();
-    Q_DISABLE_COPY(StateFiles)
+    explicit StateFiles(QString directoryPath)
+        : directory(std::move(directoryPath))
+    {
+    }
 
     /// $XDG_STATE_HOME/movra-sim, else $HOME/.local/state/movra-sim; empty when neither is
     /// absolute.
@@ -44,9 +46,10 @@ public:
     std::unique_ptr<QFile> create(const QString &name);
 
 private:
-    Place placeOf(const char *verb, const QString &name) const;
+    /// Refuses what cannot be a file of the directory; returns how other refusals begin.
+    Place check(const char *verb, const QString &name) const;
     void removeLeftovers() const;
 
     QString directory;
-    int lock = -1; ///< the directory, open and locked
+    int lock = -1; ///< the directory, open and locked until the process ends
 };
