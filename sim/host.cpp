@@ -49,6 +49,7 @@ void ownName(const QDBusConnection &bus, const QString &name)
 {
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
         bus.interface()->registerService(name);
+    endIfBusEnded();
     outliveBus(); // its end ends the event loop from now on
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
         return;
