@@ -62,10 +62,10 @@ QString Changes::startAction(const QString &id, const QString *value)
 void Changes::advance(const Action &action, int step)
 {
     if (action.drivenItem >= 0) {
-        const Item &item = items.at(action.drivenItem);
-        const QString percent = QString::number(100 * step / steps);
-        log.record(LogLevel::Info, item.id, "driven to %1 by %2"_q.arg(percent, shown(action.id)));
-        items.assign({ { action.drivenItem, item.type->fromText(percent, {}) } });
+        const ValueType *type = items.at(action.drivenItem).type;
+        const QVariant percent = type->fromText(QString::number(100 * step / steps), {});
+        items.assign({ { action.drivenItem, percent } }, "driven to "_q,
+                     " by "_q + shown(action.id));
     }
     if (step < steps) {
         // Without a duration there is no time between the steps: only the last one is left.
@@ -106,28 +106,15 @@ void Changes::carryOutDue()
         const auto [time, index] = *due.begin();
         due.erase(due.begin());
         const Moment &moment = timeline.at(index);
-        carryOut(moment);
+        if (moment.item < 0) {
+            announcer.send(moment.signal);
+        } else {
+            items.assign({ { moment.item, moment.value, moment.status } }, "changed to "_q);
+        }
         if (moment.every > 0) {
             // Times that were missed are left out.
             due.emplace(now + moment.every - (now - time) % moment.every, index);
         }
     }
     wait();
-}
-
-void Changes::carryOut(const Moment &moment)
-{
-    if (moment.item < 0) {
-        announcer.send(moment.signal);
-        return;
-    }
-    const Item &item = items.at(moment.item);
-    if (moment.value.isValid()) {
-        log.record(LogLevel::Info, item.id,
-                   "changed to "_q + shown(item.type->toText(moment.value)));
-    }
-    if (moment.status) {
-        log.record(LogLevel::Info, item.id, "has status %1"_q.arg(*moment.status));
-    }
-    items.assign({ { moment.item, moment.value, moment.status } });
 }

@@ -57,7 +57,6 @@ private:
     void advance(const Action &action, int step);
     void wait();
     void carryOutDue();
-    void carryOut(const Moment &moment);
 
     QVector<Action> actions;
     QVector<Moment> timeline;

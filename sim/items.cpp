@@ -4,8 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-Items::Items(QVector<Item> catalogue, Announcer &announcerOfUpdates)
+Items::Items(QVector<Item> catalogue, Log &logOfChanges, Announcer &announcerOfUpdates)
     : all(std::move(catalogue))
+    , log(logOfChanges)
     , announcer(announcerOfUpdates)
 {
     for (int index = 0; index < all.size(); ++index) {
@@ -27,8 +28,32 @@ QStringList Items::ids(ItemKind kind) const
     return found;
 }
 
-void Items::assign(const QVector<Assignment> &assignments)
+QVector<int> Items::find(const QStringList &ids) const
 {
+    QVector<int> found;
+    found.reserve(ids.size());
+    for (const QString &id : ids) {
+        found.append(indexOf(id));
+        if (found.last() < 0) {
+            throw unknownId(id);
+        }
+    }
+    return found;
+}
+
+void Items::assign(const QVector<Assignment> &assignments, const QString &before,
+                   const QString &after)
+{
+    for (const Assignment &assignment : assignments) {
+        const Item &item = at(assignment.index);
+        if (assignment.value.isValid()) {
+            const QString text = item.type->toText(assignment.value);
+            log.record(LogLevel::Info, item.id, before + shown(text) + after);
+        }
+        if (assignment.status) {
+            log.record(LogLevel::Info, item.id, "has status %1"_q.arg(*assignment.status));
+        }
+    }
     for (const Assignment &assignment : assignments) {
         Item &item = all[assignment.index];
         const QVariant value = assignment.value.isValid() ? assignment.value : item.value;
@@ -49,10 +74,25 @@ void Items::assign(const QVector<Assignment> &assignments)
     }
 }
 
-void Items::ignore(int index)
+void Items::listen(const QStringList &ids)
 {
-    listed.remove(index);
-    of(at(index).kind).pending.erase(index);
+    const QVector<int> found = find(ids);
+    for (const int index : found) {
+        log.record(LogLevel::Info, at(index).id, "put on the notify list"_q);
+        listed.insert(index);
+    }
+}
+
+void Items::ignore(const QStringList &ids)
+{
+    for (const QString &id : ids) {
+        const int index = indexOf(id);
+        if (index >= 0) {
+            log.record(LogLevel::Info, id, "taken off the notify list"_q);
+            listed.remove(index);
+            of(at(index).kind).pending.erase(index);
+        }
+    }
 }
 
 void Items::ignoreAll(ItemKind kind)

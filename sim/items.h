@@ -44,21 +44,25 @@ class Items : public QObject
     Q_OBJECT
 
 public:
-    Items(QVector<Item> catalogue, Announcer &announcerOfUpdates);
+    Items(QVector<Item> catalogue, Log &logOfChanges, Announcer &announcerOfUpdates);
 
     int count() const { return all.size(); }
     const Item &at(int index) const { return all.at(index); }
     /// The item's index, or -1.
     int indexOf(const QString &id) const { return indexes.value(id, -1); }
+    /// The indexes of items that must all be there.
+    QVector<int> find(const QStringList &ids) const;
     /// The identifiers of one kind in catalogue order.
     QStringList ids(ItemKind kind) const;
-    /// Puts values and statuses in place, one after the other.
-    void assign(const QVector<Assignment> &assignments);
+    /// Puts values and statuses in place, one after the other. In the log, `before` and `after`
+    /// surround each value.
+    void assign(const QVector<Assignment> &assignments, const QString &before,
+                const QString &after = {});
 
-    /// Puts an item on the notify list; changes count from now on.
-    void listen(int index) { listed.insert(index); }
-    /// Takes an item off the list, with the change that was waiting to be announced.
-    void ignore(int index);
+    /// Puts items on the notify list; changes count from now on.
+    void listen(const QStringList &ids);
+    /// Takes those that are there off the list, with changes that are not announced yet.
+    void ignore(const QStringList &ids);
     /// Takes all items of a kind off the list.
     void ignoreAll(ItemKind kind);
     /// From now on each tick announces what has changed.
@@ -82,6 +86,7 @@ private:
 
     QVector<Item> all;
     QHash<QString, int> indexes;
+    Log &log;
     Announcer &announcer;
     QSet<int> listed;
     Schedule configs;

@@ -84,69 +84,74 @@ struct Service::Method {
     void (*handler)(Service &service, const QVariantList &arguments, QVariantList &answer);
 };
 
+namespace
+{
+
 using In = const QVariantList &;
 using Out = QVariantList &;
 
-// One identifier arrives as a list of one wherever a list is expected: QVariant converts it.
+QString text(In arguments, int index = 0)
+{
+    return arguments.at(index).toString();
+}
+
+/// One identifier is a list of one wherever a list is expected: QVariant converts it.
+QStringList texts(In arguments)
+{
+    return arguments.at(0).toStringList();
+}
+
+/// What the variant of the second argument holds.
+QVariant inner(In arguments)
+{
+    return arguments.at(1).value<QDBusVariant>().variant();
+}
+
+} // namespace
+
 const Service::Method Service::methods[] = {
-    { "AddToNotifyList", "as", [](Service &s, In a, Out) { s.listen(a.at(0).toStringList()); } },
-    { "AddToNotifyList", "s", [](Service &s, In a, Out) { s.listen(a.at(0).toStringList()); } },
+    { "AddToNotifyList", "as", [](Service &s, In a, Out) { s.items.listen(texts(a)); } },
+    { "AddToNotifyList", "s", [](Service &s, In a, Out) { s.items.listen(texts(a)); } },
     { "ClearConfigNotifyList", "",
       [](Service &s, In, Out) { s.items.ignoreAll(ItemKind::Config); } },
     { "ClearResultNotifyList", "",
       [](Service &s, In, Out) { s.items.ignoreAll(ItemKind::Result); } },
-    { "DbgLogCmd", "ss",
-      [](Service &s, In a, Out) { s.log.command(a.at(0).toString(), a.at(1).toString()); } },
-    { "DbgLogGetIds", "", [](Service &s, In, Out out) { out = { s.debugLogNames }; } },
-    { "DBusServerCmd", "sv",
-      [](Service &s, In a, Out) {
-          s.serverCommand(a.at(0).toString(), a.at(1).value<QDBusVariant>().variant());
-      } },
+    { "DbgLogCmd", "ss", [](Service &s, In a, Out) { s.log.command(text(a), text(a, 1)); } },
+    { "DbgLogGetIds", "", [](Service &s, In, Out out) { out = { s.catalog.debugLogs }; } },
+    { "DBusServerCmd", "sv", [](Service &s, In a, Out) { s.serverCommand(text(a), inner(a)); } },
     { "DBusServerStatus", "", [](Service &s, In, Out out) { out = { s.changes.runningCount() }; } },
-    { "DeleteFromNotifyList", "as",
-      [](Service &s, In a, Out) { s.ignore(a.at(0).toStringList()); } },
-    { "DeleteFromNotifyList", "s",
-      [](Service &s, In a, Out) { s.ignore(a.at(0).toStringList()); } },
+    { "DeleteFromNotifyList", "as", [](Service &s, In a, Out) { s.items.ignore(texts(a)); } },
+    { "DeleteFromNotifyList", "s", [](Service &s, In a, Out) { s.items.ignore(texts(a)); } },
     { "DoAction", "ss",
       [](Service &s, In a, Out out) {
-          const QString value = a.at(1).toString();
-          out = { s.changes.startAction(a.at(0).toString(), &value) };
+          const QString value = text(a, 1);
+          out = { s.changes.startAction(text(a), &value) };
       } },
-    { "DoAction", "s",
-      [](Service &s, In a, Out) { s.changes.startAction(a.at(0).toString(), nullptr); } },
-    { "GetStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(a, statusOf); } },
-    { "GetStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(a, statusOf); } },
-    { "GetValue", "as", [](Service &s, In a, Out out) { out = s.readAll(a, idAndValueOf); } },
-    { "GetValue", "s", [](Service &s, In a, Out out) { out = s.readOne(a, valueOf); } },
-    { "GetValueStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(a, allOf); } },
-    { "GetValueStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(a, allOf); } },
+    { "DoAction", "s", [](Service &s, In a, Out) { s.changes.startAction(text(a), nullptr); } },
+    { "GetStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(texts(a), statusOf); } },
+    { "GetStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(text(a), statusOf); } },
+    { "GetValue", "as",
+      [](Service &s, In a, Out out) { out = s.readAll(texts(a), idAndValueOf); } },
+    { "GetValue", "s", [](Service &s, In a, Out out) { out = s.readOne(text(a), valueOf); } },
+    { "GetValueStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(texts(a), allOf); } },
+    { "GetValueStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(text(a), allOf); } },
     { "ListActionIds", "", [](Service &s, In, Out out) { out = { s.changes.actionIds() }; } },
     { "ListConfigIds", "",
       [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Config) }; } },
     { "ListResultIds", "",
       [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Result) }; } },
-    { "LoadConfig", "s",
-      [](Service &s, In a, Out out) {
-          s.loadConfig(a.at(0).toString());
-          out = { true };
-      } },
-    { "LogClear", "s", [](Service &s, In a, Out) { s.log.check(a.at(0).toString()); } },
+    { "LoadConfig", "s", [](Service &s, In a, Out out) { out = { s.loadConfig(text(a)) }; } },
+    { "LogClear", "s", [](Service &s, In a, Out) { s.log.check(text(a)); } },
     { "LogGetIds", "",
-      [](Service &s, In, Out out) { out = { s.logNames.join(QLatin1Char(' ')) }; } },
-    { "LogStartNotify", "s",
-      [](Service &s, In a, Out) { s.log.announce(a.at(0).toString(), true); } },
-    { "LogStopNotify", "s",
-      [](Service &s, In a, Out) { s.log.announce(a.at(0).toString(), false); } },
-    { "SaveConfig", "s",
-      [](Service &s, In a, Out out) {
-          s.saveConfig(a.at(0).toString());
-          out = { true };
-      } },
+      [](Service &s, In, Out out) { out = { s.catalog.logs.join(QLatin1Char(' ')) }; } },
+    { "LogStartNotify", "s", [](Service &s, In a, Out) { s.log.announce(text(a), true); } },
+    { "LogStopNotify", "s", [](Service &s, In a, Out) { s.log.announce(text(a), false); } },
+    { "SaveConfig", "s", [](Service &s, In a, Out out) { out = { s.saveConfig(text(a)) }; } },
     { "SetValue", "a(sv)",
       [](Service &s, In a, Out) { s.set(qdbus_cast<QList<IdValueStruct>>(a.at(0))); } },
     { "SetValue", "sv",
       [](Service &s, In a, Out) {
-          s.set({ { a.at(0).toString(), a.at(1).value<QDBusVariant>().variant() } });
+          s.set({ { text(a), inner(a) } });
       } },
     { "StartConfigNotify", "", [](Service &s, In, Out) { s.items.start(ItemKind::Config); } },
     { "StartResultNotify", "", [](Service &s, In, Out) { s.items.start(ItemKind::Result); } },
@@ -154,14 +159,13 @@ const Service::Method Service::methods[] = {
     { "StopResultNotify", "", [](Service &s, In, Out) { s.items.stop(ItemKind::Result); } },
 };
 
-Service::Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
-                 QVector<Fault> faultsOnDemand)
+Service::Service(const Catalog &catalogOfService, StateFiles &stateFiles,
+                 Announcer &signalAnnouncer, QVector<Fault> faultsOnDemand)
     : files(stateFiles)
     , announcer(signalAnnouncer)
-    , logNames(catalog.logs)
-    , debugLogNames(catalog.debugLogs)
+    , catalog(catalogOfService)
     , log(catalog.logs, catalog.debugLogs, files, announcer)
-    , items(catalog.items, announcer)
+    , items(catalog.items, log, announcer)
     , changes(catalog.actions, catalog.timeline, items, log, announcer)
     , faults(std::move(faultsOnDemand))
 {
@@ -296,25 +300,11 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
     }
 }
 
-QVector<int> Service::lookUp(const QStringList &ids) const
-{
-    QVector<int> indexes;
-    indexes.reserve(ids.size());
-    for (const QString &id : ids) {
-        const int index = items.indexOf(id);
-        if (index < 0) {
-            throw unknownId(id);
-        }
-        indexes.append(index);
-    }
-    return indexes;
-}
-
-QVector<int> Service::lookUpToRead(const QVariantList &arguments, qint64 (*sizeOf)(const Item &))
+QVector<int> Service::lookUpToRead(const QStringList &ids, qint64 (*sizeOf)(const Item &))
 {
     // The bus closes the connection of who sends more than it carries in one message.
     constexpr qint64 mostBytes = 67108864;
-    const QVector<int> indexes = lookUp(arguments.at(0).toStringList());
+    const QVector<int> indexes = items.find(ids);
     qint64 bytes = 0;
     for (const int index : indexes) {
         bytes += sizeOf(items.at(index));
@@ -329,17 +319,17 @@ QVector<int> Service::lookUpToRead(const QVariantList &arguments, qint64 (*sizeO
 }
 
 template <typename Told>
-QVariantList Service::readOne(const QVariantList &arguments, Told (*tell)(const Item &))
+QVariantList Service::readOne(const QString &id, Told (*tell)(const Item &))
 {
-    const int index = lookUpToRead(arguments, &busSize<Told>).first();
+    const int index = lookUpToRead({ id }, &busSize<Told>).first();
     return { QVariant::fromValue(tell(items.at(index))) };
 }
 
 template <typename Told>
-QVariantList Service::readAll(const QVariantList &arguments, Told (*tell)(const Item &))
+QVariantList Service::readAll(const QStringList &ids, Told (*tell)(const Item &))
 {
     QList<Told> all;
-    for (const int index : lookUpToRead(arguments, &busSize<Told>)) {
+    for (const int index : lookUpToRead(ids, &busSize<Told>)) {
         all.append(tell(items.at(index)));
     }
     return { QVariant::fromValue(all) };
@@ -347,10 +337,7 @@ QVariantList Service::readAll(const QVariantList &arguments, Told (*tell)(const 
 
 Assignment Service::convert(const IdValueStruct &wanted) const
 {
-    const int index = items.indexOf(wanted.id);
-    if (index < 0) {
-        throw unknownId(wanted.id);
-    }
+    const int index = items.find({ wanted.id }).first();
     const Item &item = items.at(index);
     const QString id = quoted(item.id);
     if (item.kind == ItemKind::Result) {
@@ -374,32 +361,7 @@ void Service::set(const QList<IdValueStruct> &wanted)
     for (const IdValueStruct &each : wanted) {
         assignments.append(convert(each));
     }
-    for (const Assignment &assignment : assignments) {
-        const Item &item = items.at(assignment.index);
-        log.record(LogLevel::Info, item.id,
-                   "set to "_q + shown(item.type->toText(assignment.value)));
-    }
-    items.assign(assignments);
-}
-
-void Service::listen(const QStringList &ids)
-{
-    const QVector<int> indexes = lookUp(ids);
-    for (const int index : indexes) {
-        log.record(LogLevel::Info, items.at(index).id, "put on the notify list"_q);
-        items.listen(index);
-    }
-}
-
-void Service::ignore(const QStringList &ids)
-{
-    for (const QString &id : ids) {
-        const int index = items.indexOf(id);
-        if (index >= 0) {
-            log.record(LogLevel::Info, id, "taken off the notify list"_q);
-            items.ignore(index);
-        }
-    }
+    items.assign(assignments, "set to "_q);
 }
 
 void Service::serverCommand(const QString &word, const QVariant &value)
@@ -420,7 +382,7 @@ void Service::serverCommand(const QString &word, const QVariant &value)
     items.setPace(forConfigs ? ItemKind::Config : ItemKind::Result, value.toInt());
 }
 
-void Service::saveConfig(const QString &name)
+bool Service::saveConfig(const QString &name)
 {
     if (log.writesTo(name)) {
         throw Refusal { "File"_q,
@@ -428,17 +390,13 @@ void Service::saveConfig(const QString &name)
     }
     files.write(name, writeConfigs(items));
     announcer.info("configuration saved to %1"_q.arg(files.pathOf(name)));
+    return true;
 }
 
-void Service::loadConfig(const QString &name)
+bool Service::loadConfig(const QString &name)
 {
     const Place place { "File"_q, quoted(files.pathOf(name)) + " is damaged: "_q, {}, "."_q };
-    const QVector<Assignment> assignments = readConfigs(files.read(name), items, place);
-    for (const Assignment &assignment : assignments) {
-        const Item &item = items.at(assignment.index);
-        log.record(LogLevel::Info, item.id,
-                   "loaded as "_q + shown(item.type->toText(assignment.value)));
-    }
-    items.assign(assignments);
+    items.assign(readConfigs(files.read(name), items, place), "loaded as "_q);
     announcer.info("configuration loaded from %1"_q.arg(files.pathOf(name)));
+    return true;
 }

@@ -26,7 +26,8 @@ class Service : public QDBusVirtualObject
     Q_OBJECT
 
 public:
-    Service(const Catalog &catalog, StateFiles &stateFiles, Announcer &signalAnnouncer,
+    /// All but the faults must outlive the service.
+    Service(const Catalog &catalogOfService, StateFiles &stateFiles, Announcer &signalAnnouncer,
             QVector<Fault> faultsOnDemand);
 
     /// The time of the timeline begins.
@@ -58,26 +59,21 @@ private:
     void suffer(const Fault &fault, const Method &method, const QDBusMessage &call,
                 const QDBusConnection &connection);
 
-    /// The items of these identifiers.
-    QVector<int> lookUp(const QStringList &ids) const;
     /// The items that a call reads, all of them noted, unless the answer would be too long.
-    QVector<int> lookUpToRead(const QVariantList &arguments, qint64 (*sizeOf)(const Item &));
+    QVector<int> lookUpToRead(const QStringList &ids, qint64 (*sizeOf)(const Item &));
+    template <typename Told> QVariantList readOne(const QString &id, Told (*tell)(const Item &));
     template <typename Told>
-    QVariantList readOne(const QVariantList &arguments, Told (*tell)(const Item &));
-    template <typename Told>
-    QVariantList readAll(const QVariantList &arguments, Told (*tell)(const Item &));
+    QVariantList readAll(const QStringList &ids, Told (*tell)(const Item &));
     Assignment convert(const IdValueStruct &wanted) const;
     void set(const QList<IdValueStruct> &wanted);
-    void listen(const QStringList &ids);
-    void ignore(const QStringList &ids);
     void serverCommand(const QString &word, const QVariant &value);
-    void saveConfig(const QString &name);
-    void loadConfig(const QString &name);
+    // They return true, as the interface wants it: what cannot be done is thrown.
+    bool saveConfig(const QString &name);
+    bool loadConfig(const QString &name);
 
     StateFiles &files;
     Announcer &announcer;
-    QStringList logNames;
-    QStringList debugLogNames;
+    const Catalog &catalog;
     Log log;
     Items items;
     Changes changes;
