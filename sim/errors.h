@@ -50,6 +50,12 @@ inline QString quoted(const QString &text)
     return QLatin1Char('"') + shown(text) + QLatin1Char('"');
 }
 
+/// What a client gave does not fit.
+inline Refusal badValue(const QString &sentence, const QString &about = {})
+{
+    return { "BadValue"_q, sentence, about };
+}
+
 /// No item, action or log has this identifier.
 inline Refusal unknownId(const QString &id)
 {

@@ -88,11 +88,6 @@ namespace
 constexpr const char *levelWords[] = { "ERROR",  "INFO",   "DEBUG", "DEBUG1",
                                        "DEBUG2", "DEBUG3", "DEBUG4" };
 
-Refusal badValue(const QString &sentence)
-{
-    return { "BadValue"_q, sentence };
-}
-
 Refusal malformed(const QString &value, const QString &wanted)
 {
     return badValue("%1 is not of the form %2."_q.arg(quoted(value), quoted(wanted)));
@@ -132,6 +127,14 @@ void Announcer::send(const Signal &signal)
     message.setArguments(signal.arguments);
     record(message);
     QDBusConnection::sessionBus().send(message);
+}
+
+void Announcer::reply(const QDBusMessage &call, const QDBusMessage &answer)
+{
+    record(call, &answer);
+    if (call.isReplyRequired()) {
+        QDBusConnection::sessionBus().send(answer);
+    }
 }
 
 void Announcer::record(const QDBusMessage &message, const QDBusMessage *answer)

@@ -21,8 +21,8 @@ struct Signal {
     QVariantList arguments;
 };
 
-/// Sends the signals of the interface on the session bus, and keeps a record of these and of the
-/// calls: a file with one JSON object a line. Lines are flushed at once.
+/// Sends the signals of the interface and the answers on the session bus, and keeps a record of the
+/// signals and calls: a file with one JSON object a line. Lines are flushed at once.
 class Announcer
 {
 public:
@@ -36,6 +36,8 @@ public:
     /// Sends SigError.
     void error(const QString &text) { send({ "SigError"_q, { text } }); }
 
+    /// Sends the answer to a call.
+    void reply(const QDBusMessage &call, const QDBusMessage &answer);
     /// Records a call with its answer, if it gets one, or a signal.
     void record(const QDBusMessage &message, const QDBusMessage *answer = nullptr);
     /// Refuses to go on when a line could not be written; the event loop ends then.

@@ -4,8 +4,6 @@
 #include "sim/host.h"
 #include "sim/options.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
@@ -46,14 +44,6 @@ int carryOut(const std::function<int()> &task)
     }
 }
 
-void checkPath(const QString &path)
-{
-    static const QRegularExpression objectPath("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"_q);
-    if (!objectPath.match(path).hasMatch()) {
-        throw Refusal { "Path"_q, "%1 is not an object path"_q.arg(quoted(path)) };
-    }
-}
-
 int run(int count, char **words)
 {
     char **const end = words + count;
@@ -75,13 +65,11 @@ int run(int count, char **words)
         loadCatalog(options.catalogFile);
         return 0;
     case Options::Task::Capture: {
-        checkPath(options.path);
         const QByteArray text = captureCatalog(options.service, options.path);
         std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
         return std::fflush(stdout) == 0 ? 0 : 1;
     }
     case Options::Task::Serve:
-        checkPath(options.path);
         break;
     }
     if (options.command == nullptr) {

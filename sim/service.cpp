@@ -17,11 +17,6 @@
 namespace
 {
 
-Refusal badValue(const QString &sentence)
-{
-    return { "BadValue"_q, sentence };
-}
-
 // What the reading calls tell of an item.
 
 int statusOf(const Item &item)
@@ -212,31 +207,21 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
         const QString sentence =
             "No such method '%1' in interface 'varn.pim' at object path '%2' "
             "(signature '%3')"_q.arg(message.member(), message.path(), message.signature());
-        reply(connection, message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
+        announcer.reply(message, message.createErrorReply(QDBusError::UnknownMethod, sentence));
     } else if (const Fault *fault = faultFor(message)) {
-        suffer(*fault, *method, message, connection);
+        suffer(*fault, *method, message);
     } else {
-        answer(*method, message, connection);
+        answer(*method, message);
     }
     return true;
 }
 
-void Service::reply(const QDBusConnection &connection, const QDBusMessage &call,
-                    const QDBusMessage &answer)
-{
-    announcer.record(call, &answer);
-    if (call.isReplyRequired()) {
-        connection.send(answer);
-    }
-}
-
-void Service::answer(const Method &method, const QDBusMessage &call,
-                     const QDBusConnection &connection)
+void Service::answer(const Method &method, const QDBusMessage &call)
 {
     try {
         QVariantList values;
         method.handler(*this, call.arguments(), values);
-        reply(connection, call, call.createReply(values));
+        announcer.reply(call, call.createReply(values));
     } catch (const Refusal &refusal) {
         if (!refusal.about.isNull()) {
             log.record(LogLevel::Error, refusal.about, "refused: "_q + refusal.sentence);
@@ -245,7 +230,7 @@ void Service::answer(const Method &method, const QDBusMessage &call,
         if (call.member() == "SetValue"_q) {
             announcer.error(refusal.sentence);
         }
-        reply(connection, call, errorReply(call, refusal));
+        announcer.reply(call, errorReply(call, refusal));
     }
 }
 
@@ -270,24 +255,23 @@ const Fault *Service::faultFor(const QDBusMessage &call)
     return found;
 }
 
-void Service::suffer(const Fault &fault, const Method &method, const QDBusMessage &call,
-                     const QDBusConnection &connection)
+void Service::suffer(const Fault &fault, const Method &method, const QDBusMessage &call)
 {
     // No member of the interface answers with a double.
     constexpr double ofAnotherType = 1.5;
     switch (fault.kind) {
     case Fault::Kind::Delay:
-        QTimer::singleShot(fault.delay, Qt::PreciseTimer, this, [this, &method, call, connection] {
+        QTimer::singleShot(fault.delay, Qt::PreciseTimer, this, [this, &method, call] {
             if (!hasVanished) {
-                answer(method, call, connection);
+                answer(method, call);
             }
         });
         break;
     case Fault::Kind::Refuse:
-        reply(connection, call, errorReply(call, { fault.error, fault.text }));
+        announcer.reply(call, errorReply(call, { fault.error, fault.text }));
         break;
     case Fault::Kind::WrongType:
-        reply(connection, call, call.createReply(ofAnotherType));
+        announcer.reply(call, call.createReply(ofAnotherType));
         break;
     case Fault::Kind::Vanish:
         announcer.record(call);
@@ -347,7 +331,7 @@ Assignment Service::convert(const IdValueStruct &wanted) const
     const bool isText = wanted.value.userType() == QMetaType::QString;
     if (isText && item.type->isArray) {
         const QString sentence = "%1 is an array of type %2; SETARRAY sets it."_q;
-        throw Refusal { "BadValue"_q, sentence.arg(id, QLatin1String(item.type->name)), item.id };
+        throw badValue(sentence.arg(id, QLatin1String(item.type->name)), item.id);
     }
     const Place place { "BadValue"_q, {}, id + " cannot be set"_q, "."_q, item.id };
     return { index,

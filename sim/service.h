@@ -49,15 +49,12 @@ private:
     static const Method methods[];
     static const Method *find(const QDBusMessage &message);
 
-    void reply(const QDBusConnection &connection, const QDBusMessage &call,
-               const QDBusMessage &answer);
-    void answer(const Method &method, const QDBusMessage &call, const QDBusConnection &connection);
+    void answer(const Method &method, const QDBusMessage &call);
     /// The fault for a call, which counts it; null: none. Of several faults, one for a member comes
     /// before one for every member, then one for an identifier before one without, then one for a
     /// single call; then the last one given counts.
     const Fault *faultFor(const QDBusMessage &call);
-    void suffer(const Fault &fault, const Method &method, const QDBusMessage &call,
-                const QDBusConnection &connection);
+    void suffer(const Fault &fault, const Method &method, const QDBusMessage &call);
 
     /// The items that a call reads, all of them noted, unless the answer would be too long.
     QVector<int> lookUpToRead(const QStringList &ids, qint64 (*sizeOf)(const Item &));
