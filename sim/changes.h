@@ -58,8 +58,8 @@ private:
     void wait();
     void carryOutDue();
 
-    QVector<Action> actions;
-    QVector<Moment> timeline;
+    const QVector<Action> actions;
+    const QVector<Moment> timeline;
     QSet<QString> running; ///< identifiers of actions
     std::set<std::pair<qint64, int>>
         due; ///< times with indexes: those of one time keep their order
