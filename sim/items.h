@@ -41,8 +41,6 @@ struct Assignment {
 /// list is one list for configs and results; each kind is started, stopped and paced by itself.
 class Items : public QObject
 {
-    Q_OBJECT
-
 public:
     Items(QVector<Item> catalogue, Log &logOfChanges, Announcer &announcerOfUpdates);
 

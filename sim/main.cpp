@@ -55,11 +55,8 @@ int run(int count, char **words)
     Options options = parseOptions(arguments);
     options.command = separator == end ? nullptr : separator + 1;
     switch (options.task) {
-    case Options::Task::Help:
-        print(stdout, helpText());
-        return 0;
-    case Options::Task::Version:
-        print(stdout, versionText());
+    case Options::Task::Print:
+        print(stdout, options.text);
         return 0;
     case Options::Task::Check:
         loadCatalog(options.catalogFile);

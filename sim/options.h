@@ -25,8 +25,9 @@ struct Fault {
 
 /// What the command line asks for.
 struct Options {
-    enum class Task { Serve, Capture, Check, Help, Version };
+    enum class Task { Serve, Capture, Check, Print };
     Task task = Task::Serve;
+    QString text; ///< only for Task::Print
     QString service;
     QString path;
     QString catalogFile; ///< empty: the built-in catalogue
@@ -38,7 +39,3 @@ struct Options {
 
 /// Reads the arguments, of which the first one is the program's own name; throws a Refusal.
 Options parseOptions(const QStringList &arguments);
-/// What --help prints.
-QString helpText();
-/// What --version prints.
-QString versionText();

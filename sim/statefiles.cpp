@@ -85,8 +85,7 @@ void StateFiles::prepare(const Place &place)
         throw place.refusal(quoted(directory) + ": "_q + qt_error_string(errno));
     }
     if (lock < 0) {
-        // The directory itself is locked, so that the lock is no file in it, until the process
-        // ends.
+        // The directory itself is locked, so that the lock is no file in it.
         lock = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) != 0) {
             const QString reason = errno == EWOULDBLOCK
@@ -95,16 +94,11 @@ void StateFiles::prepare(const Place &place)
             ::close(std::exchange(lock, -1));
             throw place.refusal(reason);
         }
-        removeLeftovers();
     }
-}
-
-void StateFiles::removeLeftovers() const
-{
     QDir folder(directory);
-    const QStringList names = folder.entryList({ ownPrefix + QLatin1Char('*') },
-                                               QDir::Files | QDir::Hidden | QDir::System);
-    for (const QString &name : names) {
+    const QStringList leftovers = folder.entryList({ ownPrefix + QLatin1Char('*') },
+                                                   QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString &name : leftovers) {
         folder.remove(name);
     }
 }
@@ -141,7 +135,6 @@ void StateFiles::write(const QString &name, const QByteArray &bytes)
         throw place.refusal("it would be larger than 16 MiB"_q);
     }
     prepare(place);
-    removeLeftovers();
     // QSaveFile would choose a name that begins like the file's own; what a killed simulator leaves
     // must be known by its name.
     const QString newPath = pathOf(ownPrefix + "new"_q);

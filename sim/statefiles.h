@@ -33,7 +33,8 @@ public:
     /// absolute.
     static QString defaultDirectory();
 
-    /// Creates the directory if it is missing, locks it and removes what a killed simulator left.
+    /// Creates the directory if it is missing, locks it until the process ends, and removes what a
+    /// killed simulator left.
     void prepare(const Place &place);
     /// Where the file of this name lies.
     QString pathOf(const QString &name) const;
@@ -48,8 +49,7 @@ public:
 private:
     /// Refuses what cannot be a file of the directory; returns how other refusals begin.
     Place check(const char *verb, const QString &name) const;
-    void removeLeftovers() const;
 
     QString directory;
-    int lock = -1; ///< the directory, open and locked until the process ends
+    int lock = -1; ///< the directory, open and locked
 };
