@@ -34,7 +34,7 @@ IdValueStruct idAndValueOf(const Item &item)
     return { item.id, item.value };
 }
 
-IdValueStatusStruct allOf(const Item &item)
+IdValueStatusStruct everythingOf(const Item &item)
 {
     return { item.id, item.value, item.status };
 }
@@ -96,6 +96,16 @@ QStringList texts(In arguments)
     return arguments.at(0).toStringList();
 }
 
+template <typename Told> QVariantList all(const QList<Told> &told)
+{
+    return { QVariant::fromValue(told) };
+}
+
+template <typename Told> QVariantList first(const QList<Told> &told)
+{
+    return { QVariant::fromValue(told.first()) };
+}
+
 /// What the variant of the second argument holds.
 QVariant inner(In arguments)
 {
@@ -123,13 +133,16 @@ const Service::Method Service::methods[] = {
           out = { s.changes.startAction(text(a), &value) };
       } },
     { "DoAction", "s", [](Service &s, In a, Out) { s.changes.startAction(text(a), nullptr); } },
-    { "GetStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(texts(a), statusOf); } },
-    { "GetStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(text(a), statusOf); } },
+    { "GetStatus", "as", [](Service &s, In a, Out out) { out = all(s.read(texts(a), statusOf)); } },
+    { "GetStatus", "s",
+      [](Service &s, In a, Out out) { out = first(s.read(texts(a), statusOf)); } },
     { "GetValue", "as",
-      [](Service &s, In a, Out out) { out = s.readAll(texts(a), idAndValueOf); } },
-    { "GetValue", "s", [](Service &s, In a, Out out) { out = s.readOne(text(a), valueOf); } },
-    { "GetValueStatus", "as", [](Service &s, In a, Out out) { out = s.readAll(texts(a), allOf); } },
-    { "GetValueStatus", "s", [](Service &s, In a, Out out) { out = s.readOne(text(a), allOf); } },
+      [](Service &s, In a, Out out) { out = all(s.read(texts(a), idAndValueOf)); } },
+    { "GetValue", "s", [](Service &s, In a, Out out) { out = first(s.read(texts(a), valueOf)); } },
+    { "GetValueStatus", "as",
+      [](Service &s, In a, Out out) { out = all(s.read(texts(a), everythingOf)); } },
+    { "GetValueStatus", "s",
+      [](Service &s, In a, Out out) { out = first(s.read(texts(a), everythingOf)); } },
     { "ListActionIds", "", [](Service &s, In, Out out) { out = { s.changes.actionIds() }; } },
     { "ListConfigIds", "",
       [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Config) }; } },
@@ -284,14 +297,17 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
     }
 }
 
-QVector<int> Service::lookUpToRead(const QStringList &ids, qint64 (*sizeOf)(const Item &))
+template <typename Told>
+QList<Told> Service::read(const QStringList &ids, Told (*tell)(const Item &))
 {
     // The bus closes the connection of who sends more than it carries in one message.
     constexpr qint64 mostBytes = 67108864;
     const QVector<int> indexes = items.find(ids);
+    QList<Told> told;
     qint64 bytes = 0;
     for (const int index : indexes) {
-        bytes += sizeOf(items.at(index));
+        told.append(tell(items.at(index)));
+        bytes += busSize<Told>(items.at(index));
     }
     if (bytes > mostBytes) {
         throw badValue("The values of %1 items do not fit one answer."_q.arg(indexes.size()));
@@ -299,24 +315,7 @@ QVector<int> Service::lookUpToRead(const QStringList &ids, qint64 (*sizeOf)(cons
     for (const int index : indexes) {
         log.record(LogLevel::Debug, items.at(index).id, "read"_q);
     }
-    return indexes;
-}
-
-template <typename Told>
-QVariantList Service::readOne(const QString &id, Told (*tell)(const Item &))
-{
-    const int index = lookUpToRead({ id }, &busSize<Told>).first();
-    return { QVariant::fromValue(tell(items.at(index))) };
-}
-
-template <typename Told>
-QVariantList Service::readAll(const QStringList &ids, Told (*tell)(const Item &))
-{
-    QList<Told> all;
-    for (const int index : lookUpToRead(ids, &busSize<Told>)) {
-        all.append(tell(items.at(index)));
-    }
-    return { QVariant::fromValue(all) };
+    return told;
 }
 
 Assignment Service::convert(const IdValueStruct &wanted) const

@@ -56,11 +56,8 @@ private:
     const Fault *faultFor(const QDBusMessage &call);
     void suffer(const Fault &fault, const Method &method, const QDBusMessage &call);
 
-    /// The items that a call reads, all of them noted, unless the answer would be too long.
-    QVector<int> lookUpToRead(const QStringList &ids, qint64 (*sizeOf)(const Item &));
-    template <typename Told> QVariantList readOne(const QString &id, Told (*tell)(const Item &));
-    template <typename Told>
-    QVariantList readAll(const QStringList &ids, Told (*tell)(const Item &));
+    /// What a call reads of items, all of which are noted, unless the answer would be too long.
+    template <typename Told> QList<Told> read(const QStringList &ids, Told (*tell)(const Item &));
     Assignment convert(const IdValueStruct &wanted) const;
     void set(const QList<IdValueStruct> &wanted);
     void serverCommand(const QString &word, const QVariant &value);
