@@ -53,7 +53,11 @@ public:
         QByteArray text = "{\n" + listText("configs", configs, readItem);
         text += listText("results", results, readItem);
         text += listText("actions", list("ListActionIds"), [this](const QString &id) {
-            return take(id) ? Line { { "id", id.toStdString() } } : Line();
+            Line entry;
+            if (take(id)) {
+                entry["id"] = id.toStdString();
+            }
+            return entry;
         });
         const QString logs = ask("LogGetIds", "s").value(0).toString();
         text += namesText("logs", logs.split(QLatin1Char(' '), Qt::SkipEmptyParts), isLogName);

@@ -34,7 +34,7 @@ void catchSignals(QObject *context)
         struct sigaction action {
         };
         ::sigaction(number, nullptr, &action);
-        // Whoever started the program in the background, or with nohup, means it.
+        // A shell ignores them on purpose for a program in the background or under nohup.
         if (number != SIGTERM && action.sa_handler == SIG_IGN) {
             continue;
         }

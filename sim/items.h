@@ -65,7 +65,7 @@ public:
     void ignoreAll(ItemKind kind);
     /// From now on each tick announces what has changed.
     void start(ItemKind kind);
-    /// Changes are still kept in mind until the next start.
+    /// Changes are kept until the next start.
     void stop(ItemKind kind);
     /// The time between two ticks; 0: each change is announced at once.
     void setPace(ItemKind kind, int milliseconds);

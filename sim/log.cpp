@@ -295,7 +295,7 @@ void Log::setReportingLevel(const QString &value)
 
 void Log::saveTo(const QString &value)
 {
-    // A client names a path of its own world; the file is in the state directory all the same.
+    // A client may name a path, but the file is always in the state directory.
     fileName = value.mid(value.lastIndexOf(QLatin1Char('/')) + 1);
     file = files.create(fileName);
     announcer.info("debug log goes to %1"_q.arg(files.pathOf(fileName)));

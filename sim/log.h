@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the simulator tells: its signals, a record of these and of the calls, the logs of a
-// catalogue, and the debug log with its file.
+// What the simulator sends and writes: signals and answers, a record of signals and calls, the logs
+// of a catalogue, and the debug log with its file.
 #pragma once
 
 #include "sim/statefiles.h"

@@ -41,7 +41,7 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 Q_SIGNALS:
-    /// A call met with Fault::Kind::Vanish; no call is answered any more.
+    /// A call had the fault Fault::Kind::Vanish; no call is answered any more.
     void vanished();
 
 private:

@@ -19,7 +19,7 @@ constexpr int mostBytesOfFile = 16 * 1024 * 1024;
 /// The whole file; `excess` is the reason that refuses one which is too large.
 QByteArray readFile(const QString &path, const QString &excess, const Place &place);
 
-/// The state directory. Whoever writes into it first has it to himself until the end.
+/// The state directory. The first simulator that writes into it excludes others until it ends.
 class StateFiles
 {
 public:
@@ -36,7 +36,7 @@ public:
     /// Creates the directory if it is missing, locks it until the process ends, and removes what a
     /// killed simulator left.
     void prepare(const Place &place);
-    /// Where the file of this name lies.
+    /// The path of the file of this name.
     QString pathOf(const QString &name) const;
 
     /// The whole file.

@@ -49,7 +49,7 @@ template <typename T> QString toText(const T &value)
     } else if constexpr (isTruth<T>) {
         return value ? "true"_q : "false"_q;
     } else if constexpr (isReal<T>) {
-        // Qt leaves the sign of nought out.
+        // Qt leaves out the sign of zero.
         return std::fpclassify(value) == FP_ZERO && std::signbit(value)
             ? "-0"_q
             : QString::number(value, 'g', QLocale::FloatingPointShortest);
@@ -70,7 +70,7 @@ template <typename T> Json toJson(const T &value)
         return value;
     } else {
         if constexpr (isReal<T>) {
-            // JSON has neither infinities nor nan, and many readers lose the sign of nought.
+            // JSON has neither infinities nor nan, and many readers lose the sign of zero.
             if (std::isfinite(value) && !(std::signbit(value) && std::abs(value) <= 0)) {
                 return value;
             }
