@@ -3,7 +3,6 @@
 // JSON texts, in which everything that is not understood is refused.
 #pragma once
 
-#include "sim/changes.h"
 #include "sim/items.h"
 
 #include <QByteArray>

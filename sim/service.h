@@ -4,7 +4,6 @@
 #pragma once
 
 #include "sim/catalog.h"
-#include "sim/changes.h"
 #include "sim/items.h"
 #include "sim/log.h"
 #include "sim/options.h"
