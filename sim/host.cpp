@@ -85,7 +85,7 @@ void serve(const Options &options, const std::function<void()> &announceReady)
         }
         files.prepare(place);
     }
-    // Before there is a connection that would end the process.
+    // Before the connection: a refusal here would close it, which would end the process at once.
     Announcer announcer(options.path, options.logFile);
     QDBusConnection bus = openBus();
     bus.connect({}, "/org/freedesktop/DBus/Local"_q, "org.freedesktop.DBus.Local"_q,

@@ -189,7 +189,7 @@ QString Changes::startAction(const QString &id, const QString *value)
     // The value comes back in a signal, together with the identifier.
     if (value != nullptr && value->size() > longestText) {
         const QString sentence = "The value for %1 is longer than %2 characters."_q;
-        throw badValue(sentence.arg(quoted(id)).arg(longestText), id);
+        throw badValue(sentence.arg(quoted(id), QString::number(longestText)), id);
     }
     running.insert(id);
     const QString started = value == nullptr ? "started"_q : "started with "_q;
