@@ -24,10 +24,16 @@ install(FILES bus/varn.pim.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/inter
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
 # Beside the README as in the sources, so that its links and the pictures work.
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md docs/*.svg docs/*.csv)
-list(REMOVE_ITEM documents ${PROJECT_SOURCE_DIR}/docs/catalog.md)
+list(FILTER documents EXCLUDE REGEX "/(catalog.md|layout.svg|request.svg)$")
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra-sim)
+# The page names the prefix of its installation, which cmake --install may change.
+install(CODE "
+  set(PROJECT_VERSION ${PROJECT_VERSION})
+  set(CMAKE_INSTALL_FULL_DATADIR \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}\")
+  configure_file(\"${PROJECT_SOURCE_DIR}/man/movra-sim.1.in\"
+    \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_MANDIR}/man1/movra-sim.1\" @ONLY)")
 install(FILES sim/catalog.json sim/catalog.schema.json
   DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
 install(FILES sim/gateway.json DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)

@@ -32,7 +32,22 @@ $3"
 
 # documents: the names of docs/ that are installed, a line each.
 documents() {
-    (cd "$source/docs" && printf '%s\n' *.md *.svg *.csv)
+    (cd "$source/docs" && printf '%s\n' *.md bench-*.svg session.svg *.csv)
+}
+
+# names_its_files ROOT PREFIX: what documents link to and the page of movra-sim names is installed there.
+names_its_files() {
+    for document in $(find "$1$2" -name '*.md'); do
+        for link in $(grep -o ']([^):#]*' "$document" | cut -c 3-); do
+            [ -f "${document%/*}/$link" ] || fail "$document links to $link, which is not installed."
+        done
+    done
+    page=$(find "$1$2/share/man/man1/" -name 'movra-sim.1*')
+    gzip -dcf "$page" | tr -d '\\' >"$scratch/page"
+    for file in movra-sim/catalog.json movra-sim/catalog.schema.json doc/movra-sim/catalog.md; do
+        [ -f "$1$2/share/$file" ] || fail "$2/share/$file is not installed."
+        grep -q " $2/share/$file$" "$scratch/page" || fail "$page does not name $2/share/$file."
+    done
 }
 
 # answers DIRECTORY: the programs in that directory, and no others, talk to each other.
