@@ -22,7 +22,7 @@ set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra)
 install(PROGRAMS completions/candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra)
 install(FILES bus/varn.pim.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
-# Beside the README as in the sources, so that its links and the pictures work.
+# Next to the README, as in the sources, so that its links and the pictures work.
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md docs/*.svg docs/*.csv)
 list(FILTER documents EXCLUDE REGEX "/(catalog.md|layout.svg|request.svg)$")
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)

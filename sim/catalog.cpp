@@ -48,7 +48,7 @@ Json parseJson(const QByteArray &text, const Place &place)
         }
         return true;
     };
-    // What the library says of this depends on its version.
+    // The library's own message depends on its version.
     if (text.isEmpty()) {
         throw wrong(1, "is empty"_q);
     }
@@ -62,7 +62,7 @@ Json parseJson(const QByteArray &text, const Place &place)
     } catch (const Json::exception &error) {
         const auto *syntax = dynamic_cast<const Json::parse_error *>(&error);
         const qint64 at = syntax == nullptr ? position() : static_cast<qint64>(syntax->byte);
-        // What the library says begins with its own name and the place.
+        // The library's message begins with its own name and the position.
         static const QRegularExpression beginning(
             "\\A\\[[^]]*\\] (parse error at line \\d+, column \\d+: )?"_q);
         throw wrong(at, QString::fromUtf8(error.what()).remove(beginning));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The catalogue: what the simulated service has when it starts; and saved configurations. Both are
-// JSON texts, in which everything that is not understood is refused.
+// Catalogues, which define the simulated service, and saved configurations. Both are JSON texts; an
+// unknown key is refused.
 #pragma once
 
 #include "sim/items.h"
@@ -10,7 +10,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// Everything that a catalogue says.
+/// The contents of a catalogue.
 struct Catalog {
     QVector<Item> items; ///< configs before results
     QVector<Action> actions;
@@ -23,7 +23,7 @@ struct Catalog {
 Catalog readCatalog(const QByteArray &text, const QString &intro = {});
 /// Reads the catalogue in a file; an empty name means the built-in one.
 Catalog loadCatalog(const QString &fileName);
-/// A catalogue that answers as the service with this name does, in capture.cpp. What it cannot
+/// Makes a catalogue from the service with this name; in capture.cpp. What a catalogue cannot
 /// express, or the service refuses, is left out with a line on standard error.
 QByteArray captureCatalog(const QString &service, const QString &path);
 
@@ -35,7 +35,7 @@ bool isDebugLogName(const QString &name);
 /// A file that is built into the program: `catalog.json` or `varn.pim.xml`.
 QByteArray builtIn(const QString &name);
 
-/// The text that readConfigs() reads back without loss.
+/// The values of all configs as JSON; readConfigs() reads it without loss.
 QByteArray writeConfigs(const Items &items);
 /// The values in a saved text; `place` says how a refusal begins and ends.
 QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const Place &place);

@@ -16,14 +16,14 @@ inline QString operator""_q(const char *text, std::size_t length)
     return QString::fromUtf8(text, static_cast<int>(length));
 }
 
-/// Why something cannot be done; thrown. It becomes the answer of the call that is being carried
-/// out, or the last line of the program.
+/// Why something cannot be done; thrown. It becomes the error reply to the current call, or the
+/// last line of the program.
 struct Refusal {
-    /// A word such as `BadValue`, which on the bus stands for varn.pim.Error.BadValue, or the whole
-    /// name of an error.
+    /// A word such as `BadValue`, short for varn.pim.Error.BadValue, or the whole name of a bus
+    /// error.
     QString name;
     QString sentence;
-    QString about = {}; ///< the identifier whose log notes the refusal; null: no log does
+    QString about = {}; ///< the id whose log gets an entry; null: no entry
 };
 
 inline bool isControl(QChar character)
@@ -32,7 +32,7 @@ inline bool isControl(QChar character)
 }
 
 /// At most 200 characters on one line: a longer text ends in "...", control characters become
-/// blanks. A sentence must stay far below what one bus message can carry.
+/// blanks. This limits the length of error replies.
 inline QString shown(const QString &text)
 {
     constexpr int longest = 200;
@@ -50,19 +50,19 @@ inline QString quoted(const QString &text)
     return QLatin1Char('"') + shown(text) + QLatin1Char('"');
 }
 
-/// What a client gave does not fit.
+/// A client sent a value that does not fit.
 inline Refusal badValue(const QString &sentence, const QString &about = {})
 {
     return { "BadValue"_q, sentence, about };
 }
 
-/// No item, action or log has this identifier.
+/// No item, action or log has this id.
 inline Refusal unknownId(const QString &id)
 {
     return { "UnknownId"_q, "There is no %1 here."_q.arg(quoted(id)), id };
 }
 
-/// Where a value comes from: how the refusal of a value that does not fit names it.
+/// Where a value comes from, for the sentence that refuses it.
 struct Place {
     QString error; ///< the name of the refusal
     QString intro = {}; ///< begins the sentence

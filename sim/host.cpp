@@ -17,7 +17,7 @@
 namespace
 {
 
-// A signal handler may do next to nothing, so it makes this descriptor readable.
+// Few functions are allowed in a signal handler, so it only makes this descriptor readable.
 int wakeUp = -1;
 
 /// Lets the signals that end the program end the event loop.
@@ -25,7 +25,7 @@ void catchSignals(QObject *context)
 {
     wakeUp = ::eventfd(0, EFD_CLOEXEC);
     if (wakeUp < 0) {
-        // They then keep ending the process at once.
+        // The signals then end the process immediately.
         return;
     }
     const auto *notifier = new QSocketNotifier(wakeUp, QSocketNotifier::Read, context);
@@ -85,7 +85,7 @@ void serve(const Options &options, const std::function<void()> &announceReady)
         }
         files.prepare(place);
     }
-    // Before the connection: a refusal here would close it, which would end the process at once.
+    // Before the connection: a refusal here would close it, and that would end the process.
     Announcer announcer(options.path, options.logFile);
     QDBusConnection bus = openBus();
     bus.connect({}, "/org/freedesktop/DBus/Local"_q, "org.freedesktop.DBus.Local"_q,
@@ -103,8 +103,7 @@ void serve(const Options &options, const std::function<void()> &announceReady)
     if (status != withoutAWord) {
         announcer.send({ "SigDBusServerClosing"_q, { "movra-sim is closing"_q } });
     }
-    // The answer of the bus to this call shows that all that was sent before it has arrived as
-    // well.
+    // When the bus answers this call, everything that was sent before it has arrived.
     bus.unregisterService(options.service);
     bus.unregisterObject(options.path);
     announcer.checkRecord();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The simulator's life on the bus: its name, the signals that end it, its shutdown; and a command
-// that runs beside it on a bus of their own.
+// The simulator on the bus: its name, the signals that end it, its shutdown; and a command that it
+// runs on a private bus.
 #pragma once
 
 #include "sim/options.h"
@@ -11,7 +11,7 @@
 #include <array>
 #include <functional>
 
-/// The application object, which Qt D-Bus needs, without words of its own.
+/// The application object, which Qt D-Bus needs. It gets no arguments.
 struct Application {
     int count = 1;
     std::array<char, 10> name { "movra-sim" };
@@ -23,11 +23,11 @@ struct Application {
 /// respond, or if it ends before outliveBus() is called.
 QDBusConnection openBus();
 
-/// Serves until the process is told to end. `announceReady` is called once the name is owned.
+/// Serves until a signal ends it. `announceReady` is called when the name is owned.
 void serve(const Options &options, const std::function<void()> &announceReady);
 
-/// Starts a private bus, serves on it in another process, runs the command of the options, ends all
-/// that and returns the exit status. `carryOut` is called in the other processes: it carries out a
-/// task and returns its status, or prints why that cannot be done. The calling process has no
-/// threads.
+/// Starts a private bus, serves on it in another process, runs the command of the options, ends
+/// both and returns the exit status. `carryOut` is called in the other processes: it executes a
+/// task and returns its status, or prints the reason for a failure. The calling process must have
+/// no other threads.
 int runCommand(Options options, int (*carryOut)(const std::function<int()> &task));

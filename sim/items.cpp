@@ -117,7 +117,7 @@ void Items::ignoreAll(ItemKind kind)
 
 void Items::start(ItemKind kind)
 {
-    // A second start must not put the next tick off.
+    // A second start must not delay the next tick.
     if (!of(kind).started) {
         of(kind).started = true;
         run(kind);
@@ -186,7 +186,7 @@ QString Changes::startAction(const QString &id, const QString *value)
     if (running.contains(id)) {
         throw Refusal { "Busy"_q, "%1 is running already."_q.arg(quoted(id)), id };
     }
-    // The value comes back in a signal, together with the identifier.
+    // A signal returns the value, together with the id.
     if (value != nullptr && value->size() > longestText) {
         const QString sentence = "The value for %1 is longer than %2 characters."_q;
         throw badValue(sentence.arg(quoted(id), QString::number(longestText)), id);
@@ -211,7 +211,7 @@ void Changes::advance(const Action &action, int step)
                      " by "_q + shown(action.id));
     }
     if (step < steps) {
-        // Without a duration there is no time between the steps: only the last one is left.
+        // Without a duration there is only the last step.
         const int next = action.duration == 0 ? steps : step + 1;
         const int pause = action.duration * next / steps - action.duration * step / steps;
         QTimer::singleShot(pause, Qt::PreciseTimer, this,
@@ -255,7 +255,7 @@ void Changes::carryOutDue()
             items.assign({ { moment.item, moment.value, moment.status } }, "changed to "_q);
         }
         if (moment.every > 0) {
-            // Times that were missed are left out.
+            // Missed times are skipped.
             due.emplace(now + moment.every - (now - time) % moment.every, index);
         }
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The configs and results as they are at the moment, the list of those whose changes are announced,
-// and what changes by itself: actions while they run, and the timeline.
+// The configs and results with their current values, the notify list, and what changes items
+// without a call: running actions and the timeline.
 #pragma once
 
 #include "sim/log.h"
@@ -20,7 +20,7 @@
 #include <set>
 #include <utility>
 
-/// Clients can set configs; results change only by themselves.
+/// Clients can set configs. Only actions and the timeline change results.
 enum class ItemKind { Config, Result };
 
 /// One config or result.
@@ -28,19 +28,19 @@ struct Item {
     QString id;
     ItemKind kind = ItemKind::Config;
     const ValueType *type = nullptr; ///< never null in a catalogue
-    QVariant value = {}; ///< as the bus carries it
+    QVariant value = {}; ///< of the type that is sent on the bus
     int status = 0;
 };
 
-/// A value on its way into an item.
+/// A new value for an item.
 struct Assignment {
     int index = 0;
     QVariant value; ///< of the item's type; not valid: the value stays
     std::optional<int> status = {}; ///< without one, the status stays
 };
 
-/// All items; an item's index is its place in the catalogue, configs before results. The notify
-/// list is one list for configs and results; each kind is started, stopped and paced by itself.
+/// All items. An item's index is its position in the catalogue, configs before results. Configs and
+/// results share one notify list; each kind has its own start, stop and interval.
 class Items : public QObject
 {
 public:
@@ -50,26 +50,25 @@ public:
     const Item &at(int index) const { return all.at(index); }
     /// The item's index, or -1.
     int indexOf(const QString &id) const { return indexes.value(id, -1); }
-    /// The indexes of items that must all be there.
+    /// The indexes of these items; throws if one does not exist.
     QVector<int> find(const QStringList &ids) const;
-    /// The identifiers of one kind in catalogue order.
+    /// The ids of one kind in catalogue order.
     QStringList ids(ItemKind kind) const;
-    /// Puts values and statuses in place, one after the other. In the log, `before` and `after`
-    /// surround each value.
+    /// Assigns values and statuses in order. The log entry is `before`, the value and `after`.
     void assign(const QVector<Assignment> &assignments, const QString &before,
                 const QString &after = {});
 
-    /// Puts items on the notify list; changes count from now on.
+    /// Puts items on the notify list; later changes are announced.
     void listen(const QStringList &ids);
-    /// Takes those that are there off the list, with changes that are not announced yet.
+    /// Removes items from the list, with their changes that are not announced yet.
     void ignore(const QStringList &ids);
-    /// Takes all items of a kind off the list.
+    /// Removes all items of a kind from the list.
     void ignoreAll(ItemKind kind);
     /// From now on each tick announces what has changed.
     void start(ItemKind kind);
     /// Changes are kept until the next start.
     void stop(ItemKind kind);
-    /// The time between two ticks; 0: each change is announced at once.
+    /// The interval of ticks in milliseconds; 0: each change is announced immediately.
     void setPace(ItemKind kind, int milliseconds);
 
 private:
@@ -96,49 +95,49 @@ private:
 /// One action.
 struct Action {
     QString id;
-    QString reply; ///< to a call with a value; the first `%1` stands for the value
+    QString reply; ///< to a call with a value; the first `%1` is replaced by the value
     int duration = 0; ///< in milliseconds
-    int drivenItem = -1; ///< the result that goes from 0 to 100 meanwhile; -1: none
-    QVector<Signal> ends; ///< sent when its time is over
+    int drivenItem = -1; ///< the result that shows the progress from 0 to 100; -1: none
+    QVector<Signal> ends; ///< sent when it ends
 };
 
 /// One entry of the timeline: an item changes, or a signal is sent.
 struct Moment {
     int at = 0; ///< the first time, in milliseconds from the start
-    int every = 0; ///< the time between two times; 0: there is only one
-    int item = -1; ///< -1: there is a signal
-    QVariant value = {}; ///< not valid: the item's value stays
+    int every = 0; ///< the interval; 0: only once
+    int item = -1; ///< -1: a signal is sent
+    QVariant value = {}; ///< not valid: the value does not change
     std::optional<int> status = {};
     Signal signal = {};
 };
 
-/// Changes items and sends signals when their times have come.
+/// Runs actions and the timeline.
 class Changes : public QObject
 {
 public:
     Changes(QVector<Action> actionsOfCatalog, QVector<Moment> timelineOfCatalog,
             Items &changedItems, Log &logOfChanges, Announcer &announcerOfSignals);
 
-    /// The time of the timeline begins.
+    /// Starts the timeline.
     void startTimeline();
 
-    /// The identifiers of the actions in catalogue order.
+    /// The ids of the actions in catalogue order.
     QStringList actionIds() const;
-    /// How many actions run now.
+    /// The number of running actions.
     int runningCount() const { return running.size(); }
-    /// Starts an action that is not running, with the caller's value unless that is null; returns
-    /// what a caller who gave a value is told.
+    /// Starts an action, with the caller's value unless that is null; throws if it is running.
+    /// Returns the answer to a caller with a value.
     QString startAction(const QString &id, const QString *value);
 
 private:
-    /// Carries out a step of a running action, and schedules the next one or ends it.
+    /// Executes a step of a running action, and schedules the next step or ends the action.
     void advance(const Action &action, int step);
     void wait();
     void carryOutDue();
 
     const QVector<Action> actions;
     const QVector<Moment> timeline;
-    QSet<QString> running; ///< identifiers of actions
+    QSet<QString> running; ///< ids of actions
     std::set<std::pair<qint64, int>>
         due; ///< times with indexes: those of one time keep their order
     QElapsedTimer clock;

@@ -102,7 +102,7 @@ Refusal unknownLog(const QString &name)
 /// The fields of an identifier, which colons surround and separate.
 QStringList fieldsOf(const QString &id)
 {
-    // A client may send an identifier of many millions of fields.
+    // A client may send an id of many millions of fields.
     constexpr int longestId = 1000;
     return id.left(longestId).split(QLatin1Char(':'), Qt::SkipEmptyParts);
 }

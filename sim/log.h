@@ -22,14 +22,14 @@ struct Signal {
 };
 
 /// Sends the signals of the interface and the answers on the session bus, and keeps a record of the
-/// signals and calls: a file with one JSON object a line. Lines are flushed at once.
+/// signals and calls: a file with one JSON object on each line. Lines are flushed immediately.
 class Announcer
 {
 public:
     /// Opens the record, which may be `-` for standard output; an empty name means there is none.
     Announcer(QString objectPath, const QString &recordFile);
 
-    /// Sends one signal; it is on its way, not delivered, when this returns.
+    /// Sends one signal. When this returns, it is queued, not delivered.
     void send(const Signal &signal);
     /// Sends SigInfo.
     void info(const QString &text) { send({ "SigInfo"_q, { text } }); }
@@ -40,7 +40,7 @@ public:
     void reply(const QDBusMessage &call, const QDBusMessage &answer);
     /// Records a call with its answer, if it gets one, or a signal.
     void record(const QDBusMessage &message, const QDBusMessage *answer = nullptr);
-    /// Refuses to go on when a line could not be written; the event loop ends then.
+    /// Throws if a line could not be written; the event loop then ends.
     void checkRecord() const;
 
 private:
@@ -49,12 +49,12 @@ private:
     QString problem;
 };
 
-/// How much an entry matters; a reporting level shows itself and those before it.
+/// The level of an entry. A reporting level includes the levels before it.
 enum class LogLevel { Error, Info, Debug, Debug1, Debug2, Debug3, Debug4 };
 
-/// Everything that happens to an identifier is one entry of the log that its first field names. No
-/// call of the interface reads a log, so entries are announced and not kept. The debug log writes
-/// them to a file: the second field chooses one of its parts, and a number in the last field the
+/// Each event of an id is an entry of the log that the first field of the id names. No member of
+/// the interface reads a log, so entries are announced and not kept. The debug log writes them to a
+/// file: the second field selects one of the debug logs, and a number in the last field the
 /// instance (0 without one).
 class Log
 {
@@ -62,14 +62,14 @@ public:
     Log(const QStringList &logNames, const QStringList &debugLogNames, StateFiles &stateFiles,
         Announcer &logAnnouncer);
 
-    /// Notes what happened to `id`: the entry is the identifier and the text.
+    /// Adds an entry: the id and the text.
     void record(LogLevel level, const QString &id, const QString &text);
-    /// Refuses a log that is not there.
+    /// Throws if there is no such log.
     void check(const QString &name) const;
-    /// From now on each new entry of the log is announced, or none.
+    /// Announces the further entries of the log, or stops this.
     void announce(const QString &name, bool isOn);
 
-    /// Carries out one command of the debug log.
+    /// Executes one command of the debug log.
     void command(const QString &word, const QString &value);
     /// Whether the debug log is being written to the file of this name.
     bool writesTo(const QString &name) const { return file && fileName == name; }

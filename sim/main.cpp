@@ -83,7 +83,7 @@ int run(int count, char **words)
 
 int main(int argc, char **argv)
 {
-    // A stream that is closed would be the next file or socket that is opened.
+    // The next opened file or socket would become a closed standard stream.
     int descriptor = -1;
     do {
         descriptor = ::open("/dev/null", O_RDWR);

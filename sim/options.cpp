@@ -20,54 +20,54 @@ constexpr const char *helpText =
        movra-sim --capture NAME [--path PATH]
        movra-sim --check FILE
 
-A stand-in for the application service that movra talks to. It owns a name on the
-session bus, answers the interface "varn.pim" and prints "ready" once it does. It
-ends on SIGINT, SIGTERM or SIGHUP, after a SigDBusServerClosing.
+A simulated service for movra. It owns a name on the session bus, implements the
+interface "varn.pim" and prints "ready" when it can be called. It ends on SIGINT,
+SIGTERM or SIGHUP, after the signal SigDBusServerClosing.
 
-With a command it serves on a private session bus instead, where it runs the command
-with DBUS_SESSION_BUS_ADDRESS and MOVRA_SIM_STATE (the state directory) set, and ends
-with it. This needs dbus-daemon.
+With a command, it starts a private session bus and runs the command there, with
+DBUS_SESSION_BUS_ADDRESS and MOVRA_SIM_STATE (the state directory) set. It ends when
+the command ends. This needs dbus-daemon.
 
 Options:
   --service NAME  the bus name to own (default com.varn.tul)
-  --path PATH     the object path to answer at (default /)
-  --catalog FILE  the items, actions and logs to offer, as JSON
+  --path PATH     the object path (default /)
+  --catalog FILE  the items, actions and logs, as JSON
                   (default: a built-in catalogue of every kind)
-  --state DIR     where saved configurations and debug logs lie
+  --state DIR     the directory of saved configurations and debug logs
                   (default $XDG_STATE_HOME/movra-sim,
                   else $HOME/.local/state/movra-sim; with a command,
                   a temporary one)
-  --log FILE      writes each call and each signal there (-: standard output), a JSON
-                  object a line
+  --log FILE      writes each call and each signal to the file (-: standard output),
+                  a JSON object a line
   --fault MEMBER[(ID)]=FAULT[@N]
-                  what calls of this member of the interface (*: of every member)
-                  get instead of a prompt answer: only those whose first
-                  argument names the identifier, only the N-th; may be repeated:
-                    delay:MS       carried out and answered so much later
+                  changes the answers to calls of this member (*: of every member):
+                  only to calls whose first argument names the ID, only to the N-th
+                  call. May be repeated. The faults:
+                    delay:MS       executed and answered MS milliseconds later
                     refuse[:TEXT]  refused with varn.pim.Error.Refused
                     error:NAME[:TEXT]
                                    refused with the bus error of this name
-                    wrong-type     answered with a value of a type they never have
-                    silence        never answered
-                    vanish         never answered, and the simulator ends at once
-  --capture NAME  asks the service with this bus name for all that it has, and prints
-                  a catalogue that answers as it did
-  --check FILE    reads a catalogue and tells the first thing that is wrong with it;
-                  needs no bus
+                    wrong-type     answered with a value of another type
+                    silence        not answered
+                    vanish         not answered, and the simulator ends immediately
+  --capture NAME  asks the service with this bus name for all its items, and prints a
+                  catalogue with the same items and values
+  --check FILE    reads a catalogue and prints the first error in it; needs no bus
   -h, --help      print this text
   --version       print the version
 
 Exit status:
-  0  told to end, or vanished, or printed what was asked for, or the catalogue is good
-  1  wrong options or stray arguments
+  0  ended by a signal or by the fault vanish, or printed what was requested, or the
+     catalogue is valid
+  1  wrong options or arguments
   2  the catalogue cannot be read or is malformed
-  3  there is no session bus, or it went away
+  3  there is no session bus, or it has ended
   4  the bus name is malformed, taken or not allowed
   5  the object path is malformed
-  6  the directory named by --state cannot be used
-  7  the file named by --log cannot be written
+  6  the directory of --state cannot be used
+  7  the file of --log cannot be written
   8  the service cannot be captured
-With a command, its own status: 126 if it cannot be run, 127 if there is no such command,
+With a command, its own status: 126 if it cannot be executed, 127 if it is not found,
 128 and the signal's number if a signal ended it.
 )";
 

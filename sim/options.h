@@ -10,24 +10,24 @@
 
 #include <optional>
 
-/// Fault injection: what happens to the calls of one member instead of a prompt answer.
+/// Fault injection: a fault of calls of one member.
 struct Fault {
     enum class Kind { Delay, Refuse, WrongType, Vanish, Silence };
     QString member = {}; ///< null: every member
-    QString id = {}; ///< only calls whose first argument is or names this; null: all
-    int only = 0; ///< only this one of the calls, counted from 1; 0: all
+    QString id = {}; ///< only calls whose first argument is this id or contains it; null: all
+    int only = 0; ///< only the call with this number, from 1; 0: all
     Kind kind = Kind::Silence;
-    int delay = 0; ///< in milliseconds; only Kind::Delay has any
-    QString error = "Refused"_q; ///< its name; only for Kind::Refuse, like the text
+    int delay = 0; ///< in milliseconds, for Kind::Delay
+    QString error = "Refused"_q; ///< the name of the refusal, for Kind::Refuse
     QString text = "This call is refused on demand."_q;
-    int calls = 0; ///< that the fault has been compared with
+    int calls = 0; ///< matching calls so far
 };
 
 /// What the command line asks for.
 struct Options {
     enum class Task { Serve, Capture, Check, Print };
     Task task = Task::Serve;
-    QString text; ///< only for Task::Print
+    QString text; ///< for Task::Print
     QString service;
     QString path;
     QString catalogFile; ///< empty: the built-in catalogue

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A command on a private bus. Whatever ends this process ends the bus and the service as well.
+// A command on a private bus. The bus and the service end with this process.
 #include "sim/catalog.h"
 #include "sim/host.h"
 
@@ -81,7 +81,7 @@ public:
                     ::_exit(0);
                 }
             }
-            // What this process holds a copy of is not its own to end.
+            // This process has copies of objects that belong to its parent.
             ::_exit(task());
         }
     }

@@ -17,7 +17,7 @@
 namespace
 {
 
-// What the reading calls tell of an item.
+// What the calls that read return for an item.
 
 int statusOf(const Item &item)
 {
@@ -216,7 +216,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
         return true;
     }
     if (method == nullptr) {
-        // Qt would name the whole interface as unknown, which it is not.
+        // Qt would call the whole interface unknown.
         const QString sentence =
             "No such method '%1' in interface 'varn.pim' at object path '%2' "
             "(signature '%3')"_q.arg(message.member(), message.path(), message.signature());
@@ -239,7 +239,7 @@ void Service::answer(const Method &method, const QDBusMessage &call)
         if (!refusal.about.isNull()) {
             log.record(LogLevel::Error, refusal.about, "refused: "_q + refusal.sentence);
         }
-        // Clients set without waiting for the answer, so that a refusal shows in monitors only.
+        // Clients do not wait for the answer to SetValue, so only monitors show a refusal.
         if (call.member() == "SetValue"_q) {
             announcer.error(refusal.sentence);
         }
@@ -300,7 +300,7 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
 template <typename Told>
 QList<Told> Service::read(const QStringList &ids, Told (*tell)(const Item &))
 {
-    // The bus closes the connection of who sends more than it carries in one message.
+    // The bus closes the connection of a client that sends a longer message.
     constexpr qint64 mostBytes = 67108864;
     const QVector<int> indexes = items.find(ids);
     QList<Told> told;
@@ -326,7 +326,7 @@ Assignment Service::convert(const IdValueStruct &wanted) const
     if (item.kind == ItemKind::Result) {
         throw Refusal { "ReadOnly"_q, id + " is a result, which cannot be set."_q, item.id };
     }
-    // Who sets one value by hand sends its text and leaves the type to the service.
+    // movra sends each value as text and leaves the conversion to the service.
     const bool isText = wanted.value.userType() == QMetaType::QString;
     if (isText && item.type->isArray) {
         const QString sentence = "%1 is an array of type %2; SETARRAY sets it."_q;

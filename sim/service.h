@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The object on the bus: every call arrives in one place, is looked up in one table by member and
-// signature, and is answered or refused from there.
+// The object on the bus. Each call is looked up in one table by member and signature, and answered
+// or refused.
 #pragma once
 
 #include "sim/catalog.h"
@@ -29,18 +29,18 @@ public:
     Service(const Catalog &catalogOfService, StateFiles &stateFiles, Announcer &signalAnnouncer,
             QVector<Fault> faultsOnDemand);
 
-    /// The time of the timeline begins.
+    /// Starts the timeline.
     void startTimeline() { changes.startTimeline(); }
     /// Whether a method of the interface has this name.
     static bool hasMember(const QString &name);
 
-    /// Not asked, because handleMessage() answers Introspect.
+    /// Unused: handleMessage() answers Introspect.
     QString introspect(const QString &path) const override;
     /// Answers a call of the interface; leaves calls of other interfaces to Qt.
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 Q_SIGNALS:
-    /// A call had the fault Fault::Kind::Vanish; no call is answered any more.
+    /// A call had the fault Fault::Kind::Vanish. No further call is answered.
     void vanished();
 
 private:

@@ -28,7 +28,7 @@ void checkName(const QString &name)
         QString reason;
     } rules[] = {
         { name.isEmpty(), "it is empty"_q },
-        { name == "."_q || name == ".."_q, "it stands for a directory"_q },
+        { name == "."_q || name == ".."_q, "it names a directory"_q },
         { name.contains(QLatin1Char('/')), "it holds a slash"_q },
         { std::any_of(name.begin(), name.end(), isControl), "it holds a control character"_q },
         { name.startsWith(ownPrefix),
@@ -85,7 +85,7 @@ void StateFiles::prepare(const Place &place)
         throw place.refusal(quoted(directory) + ": "_q + qt_error_string(errno));
     }
     if (lock < 0) {
-        // The directory itself is locked, so that the lock is no file in it.
+        // The directory itself is locked, so no lock file is needed in it.
         lock = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) != 0) {
             const QString reason = errno == EWOULDBLOCK
@@ -135,8 +135,8 @@ void StateFiles::write(const QString &name, const QByteArray &bytes)
         throw place.refusal("it would be larger than 16 MiB"_q);
     }
     prepare(place);
-    // QSaveFile would choose a name that begins like the file's own; what a killed simulator leaves
-    // must be known by its name.
+    // QSaveFile would choose a name that begins like the file's own; the leftover of a killed
+    // simulator must be recognised by its name.
     const QString newPath = pathOf(ownPrefix + "new"_q);
     QSaveFile file(newPath);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
@@ -154,12 +154,12 @@ std::unique_ptr<QFile> StateFiles::create(const QString &name)
     const Place place = check("write", name);
     prepare(place);
     auto file = std::make_unique<QFile>(pathOf(name));
-    // No line of a debug log begins so.
+    // No line of a debug log begins with this.
     if (file->open(QIODevice::ReadOnly) && file->peek(1) == "{") {
         throw place.refusal("it is a saved configuration"_q);
     }
     file->close();
-    // The old file goes first: emptying it would also empty it under every other name it has.
+    // The old file is removed first: truncating it would also truncate its hard links.
     file->remove();
     if (!file->open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
         throw place.refusal(file->errorString());

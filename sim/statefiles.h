@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The files of the state directory: plain files that lie directly in it. Whatever a client asks
-// for, nothing outside is touched, no link is followed and nothing but a regular file is read or
-// replaced.
+// The files of the state directory: regular files, in no subdirectory. No request of a client can
+// reach a file outside, follow a link, or read or replace anything but a regular file.
 #pragma once
 
 #include "sim/errors.h"
@@ -13,7 +12,7 @@
 #include <memory>
 #include <utility>
 
-/// Most that a catalogue or a file of the state directory ever holds.
+/// The maximum size of a catalogue and of a file in the state directory, in bytes.
 constexpr int mostBytesOfFile = 16 * 1024 * 1024;
 
 /// The whole file; `excess` is the reason that refuses one which is too large.

@@ -49,7 +49,7 @@ template <typename T> QString toText(const T &value)
     } else if constexpr (isTruth<T>) {
         return value ? "true"_q : "false"_q;
     } else if constexpr (isReal<T>) {
-        // Qt leaves out the sign of zero.
+        // Qt omits the sign of zero.
         return std::fpclassify(value) == FP_ZERO && std::signbit(value)
             ? "-0"_q
             : QString::number(value, 'g', QLocale::FloatingPointShortest);
@@ -70,7 +70,7 @@ template <typename T> Json toJson(const T &value)
         return value;
     } else {
         if constexpr (isReal<T>) {
-            // JSON has neither infinities nor nan, and many readers lose the sign of zero.
+            // JSON has no infinities and no nan, and many parsers lose the sign of zero.
             if (std::isfinite(value) && !(std::signbit(value) && std::abs(value) <= 0)) {
                 return value;
             }
@@ -81,7 +81,7 @@ template <typename T> Json toJson(const T &value)
 
 template <typename T> qint64 busSize(const T &value)
 {
-    // Length field, alignment and closing zero of a string or an array, or all of a number.
+    // The length, alignment and final zero byte of a string or an array, or a whole number.
     constexpr qint64 bytesAround = 8;
     constexpr qint64 mostBytesOfUnit = 3;
     qint64 size = bytesAround;
@@ -158,7 +158,7 @@ template <typename T> T parse(const QString &text, const QString &display, const
             fits = fits || isNan;
         } else if (text.startsWith(QLatin1Char('-'))) {
             const qint64 wide = text.toLongLong(&fits);
-            // The least value of an unsigned type is 0, which every negative number is below.
+            // Every negative number is below the minimum of an unsigned type.
             fits = fits && wide >= static_cast<qint64>(std::numeric_limits<T>::min());
             value = static_cast<T>(wide);
         } else {

@@ -180,9 +180,8 @@ void TestFiles::namesArePlain_data()
     };
     refused("empty", QString(), "\"\" cannot be the name of a file: it is empty.");
     refused("the directory", text("."),
-            "\".\" cannot be the name of a file: it stands for a directory.");
-    refused("its parent", text(".."),
-            "\"..\" cannot be the name of a file: it stands for a directory.");
+            "\".\" cannot be the name of a file: it names a directory.");
+    refused("its parent", text(".."), "\"..\" cannot be the name of a file: it names a directory.");
     refused("a path upwards", text("../night"),
             "\"../night\" cannot be the name of a file: it holds a slash.");
     refused("an absolute path", text("/tmp/night"),

@@ -323,7 +323,7 @@ void TestLogs::commandsAreChecked_data()
     row("SAVE_TO a directory", "SAVE_TO", "/tmp/",
         "BadName: \"\" cannot be the name of a file: it is empty.");
     row("SAVE_TO the parent", "SAVE_TO", "/tmp/..",
-        "BadName: \"..\" cannot be the name of a file: it stands for a directory.");
+        "BadName: \"..\" cannot be the name of a file: it names a directory.");
     row("SAVE_STOP with a value", "SAVE_STOP", "x",
         "BadValue: SAVE_STOP takes no value, but \"x\" came with it.");
 }

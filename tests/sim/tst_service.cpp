@@ -148,7 +148,7 @@ void TestService::everyMethodAnswers_data()
         "':result:xdsl:line:rate:0:', ':result:xdsl:line:margin:doubleARRAY:']");
     row(
         "LoadConfig s", [](Service &s) { return s.LoadConfig(text("..")); },
-        "varn.pim.Error.BadName: \"..\" cannot be the name of a file: it stands for a directory.");
+        "varn.pim.Error.BadName: \"..\" cannot be the name of a file: it names a directory.");
     row(
         "LogClear s", [](Service &s) { return s.LogClear(text("config")); }, "");
     row(

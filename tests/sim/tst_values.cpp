@@ -256,7 +256,7 @@ void TestValues::textBecomesAValue_data()
         "! here: \"\xd9\xa5\" is not a whole number");
     row("more digits than any type", "int64", "99999999999999999999999",
         "! here: \"99999999999999999999999\" does not fit int64");
-    row("minus nought is nought", "uint64", "-0", "0");
+    row("minus zero is zero", "uint64", "-0", "0");
     row("a double without a whole part", "double", ".5", "0.5");
     row("a double without a fraction", "double", "5.", "5");
     row("an exponent with a sign", "double", "1.5E+3", "1500");
@@ -358,12 +358,12 @@ void TestValues::jsonGivesBackTheSameValue_data()
     row("a bool", "bool", "true");
     row("an int32", "int32", "-2147483648");
     row("an uint32", "uint32", "4294967295");
-    row("an int64 stands as text", "int64", "\"-9223372036854775808\"");
-    row("an uint64 stands as text", "uint64", "\"18446744073709551615\"");
+    row("an int64 is a text", "int64", "\"-9223372036854775808\"");
+    row("a uint64 is a text", "uint64", "\"18446744073709551615\"");
     row("a double", "double", "0.1");
-    row("minus nought keeps its sign", "double", "\"-0\"");
-    row("infinity stands as text", "double", "\"-inf\"");
-    row("nan stands as text", "double", "\"nan\"");
+    row("minus zero keeps its sign", "double", "\"-0\"");
+    row("infinity is a text", "double", "\"-inf\"");
+    row("nan is a text", "double", "\"nan\"");
     row("strings", "string[]", "[\"a b\",\"\"]");
     row("int32s", "int32[]", "[-1,0]");
     row("uint32s", "uint32[]", "[4294967295]");
