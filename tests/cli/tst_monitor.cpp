@@ -138,6 +138,7 @@ void tst_Monitor::theFirstSignalsKeepTheirOrder()
     // Many monitors delay each other, so that more signals arrive while they start.
     constexpr int count = 16;
     std::vector<std::unique_ptr<Program>> monitors;
+    monitors.reserve(count);
     for (int each = 0; each < count; ++each) {
         monitors.push_back(std::make_unique<Program>(
             MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/", "SIG" }, busEnvironment()));
