@@ -1,15 +1,21 @@
-# What is installed where. Two components, which are also the two Debian packages: movra, and
-# movra-sim with all that belongs to the simulated service.
+# Installs two components, which are also the two Debian packages: movra, and movra-sim with the files of
+# the simulated service.
 
 foreach(program IN ITEMS movra movra-sim)
   set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME ${program})
   configure_file(man/${program}.1.in man/${program}.1 @ONLY)
   install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES ${PROJECT_BINARY_DIR}/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  # The page names files below the prefix, which cmake --install may change.
+  install(CODE "
+    set(PROJECT_VERSION ${PROJECT_VERSION})
+    set(CMAKE_INSTALL_FULL_DATADIR \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}\")
+    configure_file(\"${PROJECT_SOURCE_DIR}/man/${program}.1.in\"
+      \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_MANDIR}/man1/${program}.1\" @ONLY)")
   install(FILES LICENSE
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${program}
     RENAME copyright)
-  # Each of these finds its script of candidates at ../../${program}.
+  # Each completion finds its candidates script at ../../${program}.
   install(FILES completions/${program}.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME ${program})
@@ -22,24 +28,17 @@ set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra)
 install(PROGRAMS completions/candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra)
 install(FILES bus/varn.pim.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra)
-# Next to the README, as in the sources, so that its links and the pictures work.
+# In docs/ next to the README, as in the sources, so that links and pictures work.
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md docs/*.svg docs/*.csv)
 list(FILTER documents EXCLUDE REGEX "/(catalog.md|layout.svg|request.svg)$")
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME movra-sim)
-# The page names the prefix of its installation, which cmake --install may change.
-install(CODE "
-  set(PROJECT_VERSION ${PROJECT_VERSION})
-  set(CMAKE_INSTALL_FULL_DATADIR \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}\")
-  configure_file(\"${PROJECT_SOURCE_DIR}/man/movra-sim.1.in\"
-    \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_MANDIR}/man1/movra-sim.1\" @ONLY)")
-install(FILES sim/catalog.json sim/catalog.schema.json
+install(FILES sim/catalog.json sim/catalog.schema.json sim/gateway.json
   DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
-install(FILES sim/gateway.json DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
 install(PROGRAMS completions/sim-candidates DESTINATION ${CMAKE_INSTALL_DATADIR}/movra-sim)
 install(FILES docs/catalog.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra-sim)
-# For the README's link; of this component, as the link would lead nowhere without the file.
+# The README links to docs/catalog.md. The symbolic link belongs to the component of its target.
 file(CREATE_LINK ../../movra-sim/catalog.md ${PROJECT_BINARY_DIR}/catalog.md SYMBOLIC)
 install(FILES ${PROJECT_BINARY_DIR}/catalog.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/movra/docs)
 

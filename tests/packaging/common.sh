@@ -1,4 +1,4 @@
-# Sourced by the scripts beside it: SCRIPT BUILD_DIRECTORY VERSION
+# Sourced by the scripts in this folder: SCRIPT BUILD_DIRECTORY VERSION
 set -eu
 # shellcheck disable=SC2034 # used where this is sourced
 build=$1 version=$2
@@ -22,35 +22,40 @@ need() {
     done
 }
 
-# same WHAT WANTED GOT
+# same WHAT EXPECTED ACTUAL
 same() {
-    [ "$2" = "$3" ] || fail "$1 should have been:
+    [ "$2" = "$3" ] || fail "$1 should be:
 $2
 but is:
 $3"
 }
 
-# documents: the names of docs/ that are installed, a line each.
+# documents: prints the names of the files of docs/ that are installed.
 documents() {
     (cd "$source/docs" && printf '%s\n' *.md bench-*.svg session.svg *.csv)
 }
 
-# names_its_files ROOT PREFIX: what documents link to and the page of movra-sim names is installed there.
+# names_its_files ROOT PREFIX: checks that the files exist to which the documents link and which the manual
+# pages name, and that a page names every catalogue.
 names_its_files() {
     for document in $(find "$1$2" -name '*.md'); do
         for link in $(grep -o ']([^):#]*' "$document" | cut -c 3-); do
             [ -f "${document%/*}/$link" ] || fail "$document links to $link, which is not installed."
         done
     done
-    page=$(find "$1$2/share/man/man1/" -name 'movra-sim.1*')
-    gzip -dcf "$page" | tr -d '\\' >"$scratch/page"
-    for file in movra-sim/catalog.json movra-sim/catalog.schema.json doc/movra-sim/catalog.md; do
-        [ -f "$1$2/share/$file" ] || fail "$2/share/$file is not installed."
-        grep -q " $2/share/$file$" "$scratch/page" || fail "$page does not name $2/share/$file."
+    for page in movra movra-sim; do
+        gzip -dcf "$1$2/share/man/man1/$page.1"* | tr -d '\\' | grep -o '/[^ ]*/share/[^ ]*' \
+            >"$scratch/$page.names"
+        while read -r name; do
+            [ -e "$1$name" ] || fail "$page.1 names $name, which is not installed."
+        done <"$scratch/$page.names"
+    done
+    for catalogue in "$1$2"/share/movra-sim/*.json; do
+        grep -qxF "${catalogue#"$1"}" "$scratch/movra-sim.names" || fail "movra-sim.1 does not name $catalogue."
     done
 }
 
-# answers DIRECTORY: the programs in that directory, and no others, talk to each other.
+# answers DIRECTORY: checks the version of movra-sim there, and an answer of movra there.
 answers() {
     same "The version of movra-sim" "movra-sim $version" "$("$1/movra-sim" --version)"
     same "The answer of the simulated service" pordo_user "$(
