@@ -1,4 +1,4 @@
-# How every target of this project is compiled: link movra_options, and nothing else sets flags.
+# The compiler options of this project. Every target links movra_options.
 
 option(MOVRA_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 

@@ -1,9 +1,9 @@
 # Removes what the last `cmake --install` of a build directory installed:
 #   cmake -D MANIFEST=<build directory>/install_manifest.txt -P Uninstall.cmake
-# DESTDIR applies as it did then. Only movra's own directories are removed, and only if they are empty.
+# DESTDIR must be as it was then. Only movra's own directories are removed, and only if they are empty.
 
 if(NOT EXISTS "${MANIFEST}")
-  message(FATAL_ERROR "Nothing was installed from here: there is no ${MANIFEST}")
+  message(FATAL_ERROR "Nothing was installed from this build directory: ${MANIFEST} does not exist")
 endif()
 
 file(STRINGS "${MANIFEST}" installed ENCODING UTF-8)
@@ -13,7 +13,7 @@ foreach(file IN LISTS installed)
     message(STATUS "Removing ${file}")
     file(REMOVE "${file}")
   else()
-    message(STATUS "Not there: ${file}")
+    message(STATUS "Already removed: ${file}")
   endif()
   cmake_path(GET file PARENT_PATH directory)
   file(GLOB rest "${directory}/*")
