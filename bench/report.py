@@ -156,9 +156,10 @@ def machine():
 
 
 def text_of(results):
+    """A table for the largest size of each request; the CSV has all sizes."""
     parts = [machine(), "### Goals", goals(results)]
     for (request, size), tools in results.tables().items():
-        if request in TITLES and len(tools) > 1:
+        if request in TITLES and size == results.growth(request)[-1] and len(tools) > 1:
             parts += [f"### {TITLES[request].format(f'{size:,}')}",
                       table(results, request, size, tools)]
     return "\n\n".join(parts)
