@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: MIT
-# Completion of movra-sim for bash. What can follow comes from the script "sim-candidates", which is in this
-# directory of the sources, and in share/movra-sim when installed.
+# Completion of movra-sim for bash. The script "sim-candidates" prints the candidates. It is in this
+# directory of the sources and in share/movra-sim of an installation.
 
 _movra_sim_candidates=$(cd "$(dirname "${BASH_SOURCE[0]}")" >/dev/null && pwd)/sim-candidates
 [[ -x $_movra_sim_candidates ]] || _movra_sim_candidates=${_movra_sim_candidates%/*}/../../movra-sim/sim-candidates

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Completion of movra-sim for fish. What can follow comes from the script "sim-candidates", which is in this
-# directory of the sources, and in share/movra-sim when installed.
+# Completion of movra-sim for fish. The script "sim-candidates" prints the candidates. It is in this
+# directory of the sources and in share/movra-sim of an installation.
 
 set -g __movra_sim_candidates (realpath (status dirname))/sim-candidates
 test -x $__movra_sim_candidates

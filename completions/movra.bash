@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: MIT
-# Completion of movra for bash. What can follow comes from the script "candidates", which is in this
-# directory of the sources, and in share/movra when installed.
+# Completion of movra for bash. The script "candidates" prints the candidates. It is in this
+# directory of the sources and in share/movra of an installation.
 
 _movra_candidates=$(cd "$(dirname "${BASH_SOURCE[0]}")" >/dev/null && pwd)/candidates
 [[ -x $_movra_candidates ]] || _movra_candidates=${_movra_candidates%/*}/../../movra/candidates

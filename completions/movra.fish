@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Completion of movra for fish. What can follow comes from the script "candidates", which is in this
-# directory of the sources, and in share/movra when installed.
+# Completion of movra for fish. The script "candidates" prints the candidates. It is in this
+# directory of the sources and in share/movra of an installation.
 
 set -g __movra_candidates (realpath (status dirname))/candidates
 test -x $__movra_candidates
