@@ -53,7 +53,7 @@ std::vector<MovraRow> rows()
         { "-H is a service", { "-H", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },
 
         // QCoreApplication removes these words from the vector.
-        { "a debugger word in front changes nothing",
+        { "a debugger word before the destination changes nothing",
           { "-qmljsdebugger=x", "@", "/", "SERVERSTAT" }, answerStatus, "5\n",
           { "DBusServerStatus" }, 0 },
         { "a debugger word is removed with the next word",
@@ -63,12 +63,12 @@ std::vector<MovraRow> rows()
           {}, unknownWord, {}, 1 },
         { "a command word that was removed with it is an unknown word",
           { "@", "/", "-qmljsdebugger", "SERVERSTAT" }, answerStatus, unknownWord, {}, 1 },
-        { "a path that was taken out is empty, and what went along does not come back",
+        { "a removed path is empty, and the command word removed with it is unknown",
           { "@", "-qmljsdebugger", "SERVERSTAT" }, answerStatus, unknownWord, {}, 1 },
-        { "a destination that was taken out is empty",
+        { "a removed destination is empty",
           { "--qmljsdebugger=a", "-qmljsdebugger=b", "-qmljsdebugger=c" }, {}, notValid(""), {},
           1 },
-        { "an argument that was taken out is missing", { "@", "/", "ACTION", "-qmljsdebugger=x" },
+        { "a removed argument is missing", { "@", "/", "ACTION", "-qmljsdebugger=x" },
           {}, "Error While Parsing Command -- use -h for help   err:3\n", {}, 3 },
     };
     // clang-format on

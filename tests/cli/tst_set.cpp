@@ -81,7 +81,7 @@ std::vector<MovraRow> rows()
                  "[1, 2]"),
         arrayRow("a length of one", { ":x:int32ARRAY:", "1", "1", "2", "3" }, "[1]"),
         arrayRow("the length may have blanks and a sign", { ":x:int32ARRAY:", " +1 ", "1" }, "[1]"),
-        arrayRow("the unsigned word holds the signed one: 64 bits",
+        arrayRow("the unsigned word contains the signed one: 64 bits",
                  { ":x:uint64ARRAY:", "1", "-1" }, "[uint64 0]"),
         arrayRow("the first kind in the order of the search wins",
                  { ":x:stringARRAY:int64ARRAY:uint32ARRAY:", "1", "5" }, "[uint32 5]"),
