@@ -57,7 +57,7 @@ class TestCapture : public QObject
 private Q_SLOTS:
     void initTestCase();
     void aCaptureAnswersAsTheOriginal();
-    void whatACatalogueCannotExpressIsSkipped();
+    void itemsThatACatalogueCannotExpressAreSkipped();
     void nonsenseIsAnError_data();
     void nonsenseIsAnError();
     void aMissingServiceIsNotCaptured_data();
@@ -111,7 +111,7 @@ void TestCapture::aCaptureAnswersAsTheOriginal()
     QCOMPARE(run({ "--catalog", copy, "--", "sh", "-c", questions }), wanted);
 }
 
-void TestCapture::whatACatalogueCannotExpressIsSkipped()
+void TestCapture::itemsThatACatalogueCannotExpressAreSkipped()
 {
     FakeService service;
     answerNothing(service);

@@ -19,21 +19,21 @@ private Q_SLOTS:
     void cleanup();
     void theStatusIsThatOfTheCommand_data();
     void theStatusIsThatOfTheCommand();
-    void theCommandTalksToTheService();
-    void theServiceTakesTheOtherOptions();
+    void theCommandCallsTheService();
+    void theOtherOptionsApplyToTheService();
     void argumentsArriveByteForByte();
     void theStateDirectoryIsTemporary();
     void aChosenStateDirectoryStays();
     void closedStreamsAreNoSockets();
     void withoutDbusDaemonThereIsAnError();
-    void aServiceThatVanishesLeavesTheCommandAlone();
+    void theCommandContinuesWhenTheServiceVanishes();
     void signalsToTheSimulatorReachTheCommand_data();
     void signalsToTheSimulatorReachTheCommand();
     void signalsOfTheTerminalEndBoth_data();
     void signalsOfTheTerminalEndBoth();
     void aCommandMayOutliveCtrlC();
     void signalsIgnoredAtTheStartStayIgnored();
-    void nothingRemainsOfAKilledSimulator();
+    void aKilledSimulatorLeavesNoFiles();
 
 private:
     /// Starts the simulator with the temporary directory of the test.
@@ -107,13 +107,13 @@ void TestCommand::theStatusIsThatOfTheCommand()
     QCOMPARE(run(arguments), expected);
 }
 
-void TestCommand::theCommandTalksToTheService()
+void TestCommand::theCommandCallsTheService()
 {
     QCOMPARE(run({ "--", "movra", "com.varn.tul", "/", "GET", ":config:data:ftp:port:" }),
              QByteArray("0|21\n|"));
 }
 
-void TestCommand::theServiceTakesTheOtherOptions()
+void TestCommand::theOtherOptionsApplyToTheService()
 {
     QCOMPARE(run({ "--service", "com.varn.other", "--path=/deep", "--fault", "GetStatus=silence",
                    "--", "movra", "com.varn.other", "/deep", "GET", ":config:data:ftp:port:" }),
@@ -166,7 +166,7 @@ void TestCommand::withoutDbusDaemonThereIsAnError()
                         "No such file or directory\n"));
 }
 
-void TestCommand::aServiceThatVanishesLeavesTheCommandAlone()
+void TestCommand::theCommandContinuesWhenTheServiceVanishes()
 {
     QCOMPARE(run({ "--fault", "DBusServerStatus=vanish", "--", "sh", "-c",
                    "for run in 1 2; do movra com.varn.tul / SERVERSTAT; done; exit 5" }),
@@ -238,7 +238,7 @@ void TestCommand::signalsIgnoredAtTheStartStayIgnored()
     QCOMPARE(program.status, 0);
 }
 
-void TestCommand::nothingRemainsOfAKilledSimulator()
+void TestCommand::aKilledSimulatorLeavesNoFiles()
 {
     Program program = start({ "--", "sh", "-c",
                               "movra com.varn.tul / FILE SAVE night; echo "

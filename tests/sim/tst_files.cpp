@@ -79,7 +79,7 @@ class TestFiles : public SimTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void savedValuesComeBackAlsoAfterARestart();
+    void savedValuesAreLoadedAlsoAfterARestart();
     void theSavedTextKeepsEveryTypeExact();
     void loadedChangesAreAnnounced();
     void aConfigThatIsNotInTheFileKeepsItsValue();
@@ -89,12 +89,12 @@ private Q_SLOTS:
     void aDamagedFileChangesNothing();
     void aFileThatIsNotThereIsRefused();
     void aFileThatIsTooLargeIsRefused();
-    void onlyRegularFilesAreTouched_data();
-    void onlyRegularFilesAreTouched();
+    void onlyRegularFilesAreReadOrWritten_data();
+    void onlyRegularFilesAreReadOrWritten();
     void anotherNameOfTheFileKeepsTheOldContents();
     void leftoversOfACrashDoNotPreventSaving();
     void twoSimulatorsDoNotShareADirectory();
-    void aKilledSimulatorLeavesNothingForLong();
+    void theNextStartRemovesAnUnfinishedFile();
     void aConfigurationAndTheDebugLogDoNotReplaceEachOther();
     void theStateDirectoryIsMadeWhenFirstNeeded_data();
     void theStateDirectoryIsMadeWhenFirstNeeded();
@@ -116,7 +116,7 @@ private:
     }
 };
 
-void TestFiles::savedValuesComeBackAlsoAfterARestart()
+void TestFiles::savedValuesAreLoadedAlsoAfterARestart()
 {
     set(port, "22");
     QCOMPARE(save(text("night")), text("b true"));
@@ -290,7 +290,7 @@ void TestFiles::aFileThatIsTooLargeIsRefused()
                  + text("\": it is larger than 16 MiB."));
 }
 
-void TestFiles::onlyRegularFilesAreTouched_data()
+void TestFiles::onlyRegularFilesAreReadOrWritten_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("a link to a file") << text("link");
@@ -299,7 +299,7 @@ void TestFiles::onlyRegularFilesAreTouched_data()
     QTest::newRow("a directory") << text("folder");
 }
 
-void TestFiles::onlyRegularFilesAreTouched()
+void TestFiles::onlyRegularFilesAreReadOrWritten()
 {
     QFETCH(QString, name);
     QVERIFY(writeFile(text("target"), R"({"format": 1, "configs": {}})"));
@@ -349,7 +349,7 @@ void TestFiles::twoSimulatorsDoNotShareADirectory()
                  .arg(state->path()));
 }
 
-void TestFiles::aKilledSimulatorLeavesNothingForLong()
+void TestFiles::theNextStartRemovesAnUnfinishedFile()
 {
     QVERIFY(writeFile(text(".movra-sim.new"), "half"));
     simulator->kill();

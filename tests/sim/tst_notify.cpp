@@ -26,7 +26,7 @@ private Q_SLOTS:
     void changesAreAnnouncedAtOnceWithIntervalZero();
     void aTickAnnouncesTheLatestValuesInCatalogueOrder();
     void theDefaultIntervalIsOneSecond();
-    void onlyWhatIsOnTheListIsAnnounced();
+    void onlyListedItemsAreAnnounced();
     void theSameValueIsNoChange();
     void nothingIsAnnouncedBeforeTheStartOrAfterTheStop();
     void anotherStartChangesNothing();
@@ -98,7 +98,7 @@ void TestNotify::theDefaultIntervalIsOneSecond()
     QVERIFY2(elapsed.elapsed() >= 940, qPrintable(QString::number(elapsed.elapsed())));
 }
 
-void TestNotify::onlyWhatIsOnTheListIsAnnounced()
+void TestNotify::onlyListedItemsAreAnnounced()
 {
     setIntervals(0);
     service->AddToNotifyList(port);

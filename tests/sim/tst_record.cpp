@@ -38,7 +38,7 @@ private Q_SLOTS:
     void aCallIsOneLine_data();
     void aCallIsOneLine();
     void signalsAreLinesInTheirOrder();
-    void everyLineHasItsTimeAndACallItsSender();
+    void everyRecordHasATimeAndEveryCallASender();
     void theRecordMayGoToStandardOutput();
     void aRecordThatCannotBeWrittenEndsTheProgram_data();
     void aRecordThatCannotBeWrittenEndsTheProgram();
@@ -161,7 +161,7 @@ void TestRecord::signalsAreLinesInTheirOrder()
         }));
 }
 
-void TestRecord::everyLineHasItsTimeAndACallItsSender()
+void TestRecord::everyRecordHasATimeAndEveryCallASender()
 {
     QVERIFY(startWithRecord());
     service->DBusServerStatus().waitForFinished();

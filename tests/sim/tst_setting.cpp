@@ -16,8 +16,8 @@ private Q_SLOTS:
     void textBecomesTheTypeOfTheItem();
     void typedValuesAreSetUnchanged_data();
     void typedValuesAreSetUnchanged();
-    void whatDoesNotFitIsRefused_data();
-    void whatDoesNotFitIsRefused();
+    void valuesThatDoNotFitAreRefused_data();
+    void valuesThatDoNotFitAreRefused();
     void aListIsSetInOrder();
     void aListIsSetAsAWholeOrNotAtAll();
 
@@ -103,7 +103,7 @@ void TestSetting::typedValuesAreSetUnchanged()
     QCOMPARE(answerTo(service->GetValue(id)), answer);
 }
 
-void TestSetting::whatDoesNotFitIsRefused_data()
+void TestSetting::valuesThatDoNotFitAreRefused_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QVariant>("value");
@@ -153,7 +153,7 @@ void TestSetting::whatDoesNotFitIsRefused_data()
         "type \"ai\".");
 }
 
-void TestSetting::whatDoesNotFitIsRefused()
+void TestSetting::valuesThatDoNotFitAreRefused()
 {
     QFETCH(QString, id);
     QFETCH(QVariant, value);
