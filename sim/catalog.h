@@ -32,7 +32,7 @@ bool isLogName(const QString &name);
 /// Whether a debug log can have this name: its commands separate them by commas.
 bool isDebugLogName(const QString &name);
 
-/// A file that is built into the program: `catalog.json` or `varn.pim.xml`.
+/// A file that is built into the program, such as `catalog.json`.
 QByteArray builtIn(const QString &name);
 
 /// The values of all configs as JSON; readConfigs() reads it without loss.

@@ -14,63 +14,6 @@
 namespace
 {
 
-constexpr const char *helpText =
-    R"(Usage: movra-sim [--service NAME] [--path PATH] [--catalog FILE] [--state DIR]
-                 [--log FILE] [--fault MEMBER=FAULT]... [-- COMMAND [ARGUMENT]...]
-       movra-sim --capture NAME [--path PATH]
-       movra-sim --check FILE
-
-A simulated service for movra. It owns a name on the session bus, implements the
-interface "varn.pim" and prints "ready" when it can be called. It ends on SIGINT,
-SIGTERM or SIGHUP, after the signal SigDBusServerClosing.
-
-With a command, it starts a private session bus and runs the command there, with
-DBUS_SESSION_BUS_ADDRESS and MOVRA_SIM_STATE (the state directory) set. It ends when
-the command ends. This needs dbus-daemon.
-
-Options:
-  --service NAME  the bus name to own (default com.varn.tul)
-  --path PATH     the object path (default /)
-  --catalog FILE  the items, actions and logs, as JSON
-                  (default: a built-in catalogue of every kind)
-  --state DIR     the directory of saved configurations and debug logs
-                  (default $XDG_STATE_HOME/movra-sim,
-                  else $HOME/.local/state/movra-sim; with a command,
-                  a temporary one)
-  --log FILE      writes each call and each signal to the file (-: standard output),
-                  a JSON object a line
-  --fault MEMBER[(ID)]=FAULT[@N]
-                  changes the answers to calls of this member (*: of every member):
-                  only to calls whose first argument names the ID, only to the N-th
-                  call. May be repeated. The faults:
-                    delay:MS       executed and answered MS milliseconds later
-                    refuse[:TEXT]  refused with varn.pim.Error.Refused
-                    error:NAME[:TEXT]
-                                   refused with the bus error of this name
-                    wrong-type     answered with a value of another type
-                    silence        not answered
-                    vanish         not answered, and the simulator ends immediately
-  --capture NAME  asks the service with this bus name for all its items, and prints a
-                  catalogue with the same items and values
-  --check FILE    reads a catalogue and prints the first error in it; needs no bus
-  -h, --help      print this text
-  --version       print the version
-
-Exit status:
-  0  ended by a signal or by the fault vanish, or printed what was requested, or the
-     catalogue is valid
-  1  wrong options or arguments
-  2  the catalogue cannot be read or is malformed
-  3  there is no session bus, or it has ended
-  4  the bus name is malformed, taken or not allowed
-  5  the object path is malformed
-  6  the directory of --state cannot be used
-  7  the file of --log cannot be written
-  8  the service cannot be captured
-With a command, its own status: 126 if it cannot be executed, 127 if it is not found,
-128 and the signal's number if a signal ended it.
-)";
-
 enum class Value { None, Optional, Required };
 
 constexpr struct {
@@ -173,15 +116,14 @@ Options parseOptions(const QStringList &arguments)
     if (const QStringList stray = parser.positionalArguments(); !stray.isEmpty()) {
         throw wrong("%1 is one argument too many."_q.arg(quoted(stray.first())));
     }
-    const auto isSetToNothing = [&parser](const QCommandLineOption &option) {
-        return parser.isSet(option) && parser.value(option).isEmpty();
+    const auto refuseEmpty = [&parser](const QCommandLineOption &option, const char *what) {
+        if (parser.isSet(option) && parser.value(option).isEmpty()) {
+            throw wrong("The name of the %1 is empty."_q.arg(QLatin1String(what)));
+        }
     };
-    if (isSetToNothing(catalog) || isSetToNothing(check)) {
-        throw wrong("The name of the catalogue is empty."_q);
-    }
-    if (isSetToNothing(log)) {
-        throw wrong("The name of the log is empty."_q);
-    }
+    refuseEmpty(catalog, "catalogue");
+    refuseEmpty(check, "catalogue");
+    refuseEmpty(log, "log");
 
     Options options;
     const QStringList faults = parser.values(fault);
@@ -196,8 +138,8 @@ Options parseOptions(const QStringList &arguments)
     }
     if (parser.isSet(help) || parser.isSet(version)) {
         options.task = Options::Task::Print;
-        options.text = QString::fromLatin1(
-            parser.isSet(help) ? helpText : "movra-sim " MOVRA_SIM_VERSION "\n");
+        options.text = parser.isSet(help) ? QString::fromUtf8(builtIn("help.txt"_q))
+                                          : "movra-sim " MOVRA_SIM_VERSION "\n"_q;
     } else if (parser.isSet(capture)) {
         options.task = Options::Task::Capture;
         options.service = parser.value(capture);
