@@ -145,11 +145,12 @@ private:
             return skip(id,
                         "a catalogue has no type for a value of D-Bus type "_q + quoted(signature));
         }
-        if (const QString reason = type->excess(found.value); !reason.isNull()) {
-            return skip(id, "its value: "_q + reason);
-        }
         Line entry { { "id", id.toStdString() }, { "type", type->name } };
-        entry["value"] = type->toJson(type->fromBus(found.value, {}));
+        try {
+            entry["value"] = type->toJson(type->fromBus(found.value, { {}, {}, "its value"_q }));
+        } catch (const Refusal &refusal) {
+            return skip(id, refusal.sentence);
+        }
         if (found.status != 0) {
             entry["status"] = found.status;
         }

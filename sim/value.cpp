@@ -3,21 +3,19 @@
 
 #include "bus/types.h"
 
-#include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QLocale>
-#include <QMetaType>
 #include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <iterator>
-#include <limits>
 #include <nlohmann/json.hpp>
+#include <string>
+#include <system_error>
 #include <type_traits>
-#include <vector>
 
 namespace
 {
@@ -26,15 +24,6 @@ template <typename T> constexpr bool isText = std::is_same_v<T, QString>;
 template <typename T> constexpr bool isTruth = std::is_same_v<T, bool>;
 template <typename T> constexpr bool isReal = std::is_same_v<T, double>;
 template <typename T> constexpr bool isList = !isText<T> && !std::is_arithmetic_v<T>;
-
-template <typename T> QString numberName()
-{
-    if constexpr (isReal<T>) {
-        return "double"_q;
-    } else {
-        return "%1int%2"_q.arg(std::is_signed_v<T> ? QString() : "u"_q).arg(8 * sizeof(T));
-    }
-}
 
 template <typename T> QString toText(const T &value)
 {
@@ -95,31 +84,23 @@ template <typename T> qint64 busSize(const T &value)
     return size;
 }
 
-/// Why a value is too large for an item, wherever it comes from; null: it is not.
-template <typename T> QString excess(const T &value)
+/// The value, unless it is too large for an item.
+template <typename T> T checked(T value, const Place &place)
 {
     constexpr int mostElements = 65536;
     if constexpr (isText<T>) {
         if (value.size() > longestText) {
-            return "the text is longer than %1 characters"_q.arg(longestText);
+            throw place.refusal("the text is longer than %1 characters"_q.arg(longestText));
         }
     } else if constexpr (isList<T>) {
         if (static_cast<int>(value.size()) > mostElements) {
-            return "there are more than %1 elements"_q.arg(mostElements);
+            throw place.refusal("there are more than %1 elements"_q.arg(mostElements));
         }
         if constexpr (std::is_same_v<T, QStringList>) {
             if (value.join(QString()).size() > longestText) {
-                return "the texts are longer than %1 characters"_q.arg(longestText);
+                throw place.refusal("the texts are longer than %1 characters"_q.arg(longestText));
             }
         }
-    }
-    return {};
-}
-
-template <typename T> T checked(T value, const Place &place)
-{
-    if (const QString reason = excess(value); !reason.isNull()) {
-        throw place.refusal(reason);
     }
     return value;
 }
@@ -150,24 +131,14 @@ template <typename T> T parse(const QString &text, const QString &display, const
             throw place.refusal(display
                                 + (isReal<T> ? " is not a number"_q : " is not a whole number"_q));
         }
-        bool fits = false;
+        // Unsigned types have no -0, and the sign of nan has no meaning.
+        static const QRegularExpression sign(isReal<T> ? "\\A-(?=nan\\z)"_q : "\\A-(?=0+\\z)"_q);
+        const std::string number = QString(text).remove(sign).toStdString();
         T value {};
-        if constexpr (isReal<T>) {
-            const bool isNan = text.endsWith("nan"_q);
-            value = isNan ? std::numeric_limits<double>::quiet_NaN() : text.toDouble(&fits);
-            fits = fits || isNan;
-        } else if (text.startsWith(QLatin1Char('-'))) {
-            const qint64 wide = text.toLongLong(&fits);
-            // Every negative number is below the minimum of an unsigned type.
-            fits = fits && wide >= static_cast<qint64>(std::numeric_limits<T>::min());
-            value = static_cast<T>(wide);
-        } else {
-            const quint64 wide = text.toULongLong(&fits);
-            fits = fits && wide <= static_cast<quint64>(std::numeric_limits<T>::max());
-            value = static_cast<T>(wide);
-        }
-        if (!fits) {
-            throw place.refusal("%1 does not fit %2"_q.arg(display, numberName<T>()));
+        if (std::from_chars(number.data(), number.data() + number.size(), value).ec
+            != std::errc()) {
+            const ValueType *type = typeWithSignature(signatureOf(QVariant::fromValue(value)));
+            throw place.refusal("%1 does not fit %2"_q.arg(display, QLatin1String(type->name)));
         }
         return value;
     }
@@ -214,7 +185,7 @@ template <typename T> T fromJson(const Json &json, const Place &place)
     }
 }
 
-template <typename T> T fromBus(const QVariant &variant, const Place &place)
+template <typename T> QVariant fromBus(const QVariant &variant, const Place &place)
 {
     const QString found = signatureOf(variant);
     const char *const wanted = QDBusMetaType::typeToSignature(qMetaTypeId<T>());
@@ -222,7 +193,7 @@ template <typename T> T fromBus(const QVariant &variant, const Place &place)
         throw place.refusal("a value of D-Bus type %1 is not of type \"%2\""_q.arg(
             quoted(found), QLatin1String(wanted)));
     }
-    return checked(qdbus_cast<T>(variant), place);
+    return QVariant::fromValue(checked(qdbus_cast<T>(variant), place));
 }
 
 template <typename T> constexpr ValueType row(const char *name, const char *signature)
@@ -238,10 +209,7 @@ template <typename T> constexpr ValueType row(const char *name, const char *sign
         [](const QString &text, const Place &at) {
             return QVariant::fromValue(parse<T>(text, quoted(text), at));
         },
-        [](const QVariant &from, const Place &at) {
-            return QVariant::fromValue(fromBus<T>(from, at));
-        },
-        [](const QVariant &variant) { return excess(qdbus_cast<T>(variant)); },
+        fromBus<T>,
         [](const QVariant &value) { return toJson(value.value<T>()); },
         [](const QVariant &value) { return toText(value.value<T>()); },
         [](const QVariant &value) { return busSize(value.value<T>()); },

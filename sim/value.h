@@ -22,10 +22,9 @@ struct ValueType {
     QVariant (*fromJson)(const Json &json, const Place &place);
     /// Reads a single value's text; no array can be read this way.
     QVariant (*fromText)(const QString &text, const Place &place);
-    /// Takes a value out of a variant of the bus, which must be of exactly this type.
+    /// Takes a value out of a variant of the bus, which must be of exactly this type and no larger
+    /// than an item may be.
     QVariant (*fromBus)(const QVariant &variant, const Place &place);
-    /// Why a variant of the bus is too large for an item; null: it is not.
-    QString (*excess)(const QVariant &variant);
     /// The JSON value that fromJson() reads back without loss, different for different values;
     /// 64-bit numbers become text, which other readers of JSON keep exact.
     Json (*toJson)(const QVariant &value);

@@ -7,6 +7,7 @@
 #include <QDBusVariant>
 #include <QtTest>
 
+#include <cmath>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void jsonBecomesAValue();
     void textBecomesAValue_data();
     void textBecomesAValue();
+    void nanHasNoSign();
     void busValuesMustHaveTheVeryType_data();
     void busValuesMustHaveTheVeryType();
     void limitsHoldForWhatComesFromTheBus();
@@ -278,6 +280,15 @@ void TestValues::textBecomesAValue()
     QFETCH(QString, expected);
     const auto convert = [&](const Place &place) { return typeOf(type).fromText(given, place); };
     QCOMPARE(outcome(typeOf(type), convert), expected);
+}
+
+void TestValues::nanHasNoSign()
+{
+    for (const char *text : { "nan", "-nan" }) {
+        const QVariant value =
+            typeOf(QStringLiteral("double")).fromText(QString::fromLatin1(text), {});
+        QVERIFY2(qIsNaN(value.toDouble()) && !std::signbit(value.toDouble()), text);
+    }
 }
 
 void TestValues::busValuesMustHaveTheVeryType_data()
