@@ -175,7 +175,7 @@ QStringList Changes::actionIds() const
     return ids;
 }
 
-QString Changes::startAction(const QString &id, const QString *value)
+QString Changes::startAction(const QString &id, const std::optional<QString> &value)
 {
     const auto found = std::find_if(actions.begin(), actions.end(),
                                     [&id](const Action &each) { return each.id == id; });
@@ -187,13 +187,13 @@ QString Changes::startAction(const QString &id, const QString *value)
         throw Refusal { "Busy"_q, "%1 is running already."_q.arg(quoted(id)), id };
     }
     // A signal returns the value, together with the id.
-    if (value != nullptr && value->size() > longestText) {
+    if (value && value->size() > longestText) {
         const QString sentence = "The value for %1 is longer than %2 characters."_q;
         throw badValue(sentence.arg(quoted(id), QString::number(longestText)), id);
     }
     running.insert(id);
-    const QString started = value == nullptr ? "started"_q : "started with "_q;
-    const QString with = value == nullptr ? QString() : *value;
+    const QString started = value ? "started with "_q : "started"_q;
+    const QString with = value.value_or(QString());
     log.record(LogLevel::Info, id, started + shown(with));
     announcer.info(id + QLatin1Char(' ') + started + with);
     advance(action, 0);

@@ -125,9 +125,9 @@ public:
     QStringList actionIds() const;
     /// The number of running actions.
     int runningCount() const { return running.size(); }
-    /// Starts an action, with the caller's value unless that is null; throws if it is running.
-    /// Returns the answer to a caller with a value.
-    QString startAction(const QString &id, const QString *value);
+    /// Starts an action, with the caller's value if there is one; throws if it is running. Returns
+    /// the answer to a caller with a value.
+    QString startAction(const QString &id, const std::optional<QString> &value);
 
 private:
     /// Executes a step of a running action, and schedules the next step or ends the action.

@@ -3,7 +3,6 @@
 
 #include "bus/types.h"
 
-#include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusVariant>
 #include <QTimer>
@@ -17,37 +16,17 @@
 namespace
 {
 
-// What the calls that read return for an item.
-
-int statusOf(const Item &item)
-{
-    return item.status;
-}
-
-QDBusVariant valueOf(const Item &item)
-{
-    return QDBusVariant(item.value);
-}
-
-IdValueStruct idAndValueOf(const Item &item)
-{
-    return { item.id, item.value };
-}
-
-IdValueStatusStruct everythingOf(const Item &item)
-{
-    return { item.id, item.value, item.status };
-}
-
-/// How many bytes one of the above takes in a message, at most.
-template <typename Told> qint64 busSize(const Item &item)
+/// What the calls that read return for an item.
+template <typename Told> Told tell(const Item &item)
 {
     if constexpr (std::is_same_v<Told, int>) {
-        return sizeof(Told);
+        return item.status;
+    } else if constexpr (std::is_same_v<Told, QDBusVariant>) {
+        return QDBusVariant(item.value);
+    } else if constexpr (std::is_same_v<Told, IdValueStruct>) {
+        return { item.id, item.value };
     } else {
-        constexpr qint64 mostBytesOfFrame = 40;
-        constexpr qint64 mostBytesOfUnit = 3;
-        return item.type->busSize(item.value) + mostBytesOfUnit * item.id.size() + mostBytesOfFrame;
+        return { item.id, item.value, item.status };
     }
 }
 
@@ -70,18 +49,7 @@ QDBusMessage errorReply(const QDBusMessage &call, const Refusal &refusal)
     return call.createErrorReply(name, refusal.sentence);
 }
 
-} // namespace
-
-struct Service::Method {
-    const char *member;
-    const char *signature;
-    /// Takes the arguments of a call whose signature fits, and adds the values of the answer.
-    void (*handler)(Service &service, const QVariantList &arguments, QVariantList &answer);
-};
-
-namespace
-{
-
+using Self = Service &;
 using In = const QVariantList &;
 using Out = QVariantList &;
 
@@ -96,16 +64,6 @@ QStringList texts(In arguments)
     return arguments.at(0).toStringList();
 }
 
-template <typename Told> QVariantList all(const QList<Told> &told)
-{
-    return { QVariant::fromValue(told) };
-}
-
-template <typename Told> QVariantList first(const QList<Told> &told)
-{
-    return { QVariant::fromValue(told.first()) };
-}
-
 /// What the variant of the second argument holds.
 QVariant inner(In arguments)
 {
@@ -114,57 +72,53 @@ QVariant inner(In arguments)
 
 } // namespace
 
+struct Service::Method {
+    const char *member;
+    const char *signature;
+    /// Takes the arguments of a call whose signature fits, and adds the values of the answer.
+    void (*handler)(Self service, In arguments, Out answer);
+};
+
 const Service::Method Service::methods[] = {
-    { "AddToNotifyList", "as", [](Service &s, In a, Out) { s.items.listen(texts(a)); } },
-    { "AddToNotifyList", "s", [](Service &s, In a, Out) { s.items.listen(texts(a)); } },
-    { "ClearConfigNotifyList", "",
-      [](Service &s, In, Out) { s.items.ignoreAll(ItemKind::Config); } },
-    { "ClearResultNotifyList", "",
-      [](Service &s, In, Out) { s.items.ignoreAll(ItemKind::Result); } },
-    { "DbgLogCmd", "ss", [](Service &s, In a, Out) { s.log.command(text(a), text(a, 1)); } },
-    { "DbgLogGetIds", "", [](Service &s, In, Out out) { out = { s.catalog.debugLogs }; } },
-    { "DBusServerCmd", "sv", [](Service &s, In a, Out) { s.serverCommand(text(a), inner(a)); } },
-    { "DBusServerStatus", "", [](Service &s, In, Out out) { out = { s.changes.runningCount() }; } },
-    { "DeleteFromNotifyList", "as", [](Service &s, In a, Out) { s.items.ignore(texts(a)); } },
-    { "DeleteFromNotifyList", "s", [](Service &s, In a, Out) { s.items.ignore(texts(a)); } },
+    { "AddToNotifyList", "as", [](Self s, In a, Out) { s.items.listen(texts(a)); } },
+    { "AddToNotifyList", "s", [](Self s, In a, Out) { s.items.listen(texts(a)); } },
+    { "ClearConfigNotifyList", "", [](Self s, In, Out) { s.items.ignoreAll(ItemKind::Config); } },
+    { "ClearResultNotifyList", "", [](Self s, In, Out) { s.items.ignoreAll(ItemKind::Result); } },
+    { "DbgLogCmd", "ss", [](Self s, In a, Out) { s.log.command(text(a), text(a, 1)); } },
+    { "DbgLogGetIds", "", [](Self s, In, Out out) { out = { s.catalog.debugLogs }; } },
+    { "DBusServerCmd", "sv", [](Self s, In a, Out) { s.serverCommand(text(a), inner(a)); } },
+    { "DBusServerStatus", "", [](Self s, In, Out out) { out = { s.changes.runningCount() }; } },
+    { "DeleteFromNotifyList", "as", [](Self s, In a, Out) { s.items.ignore(texts(a)); } },
+    { "DeleteFromNotifyList", "s", [](Self s, In a, Out) { s.items.ignore(texts(a)); } },
     { "DoAction", "ss",
-      [](Service &s, In a, Out out) {
-          const QString value = text(a, 1);
-          out = { s.changes.startAction(text(a), &value) };
-      } },
-    { "DoAction", "s", [](Service &s, In a, Out) { s.changes.startAction(text(a), nullptr); } },
-    { "GetStatus", "as", [](Service &s, In a, Out out) { out = all(s.read(texts(a), statusOf)); } },
-    { "GetStatus", "s",
-      [](Service &s, In a, Out out) { out = first(s.read(texts(a), statusOf)); } },
-    { "GetValue", "as",
-      [](Service &s, In a, Out out) { out = all(s.read(texts(a), idAndValueOf)); } },
-    { "GetValue", "s", [](Service &s, In a, Out out) { out = first(s.read(texts(a), valueOf)); } },
-    { "GetValueStatus", "as",
-      [](Service &s, In a, Out out) { out = all(s.read(texts(a), everythingOf)); } },
-    { "GetValueStatus", "s",
-      [](Service &s, In a, Out out) { out = first(s.read(texts(a), everythingOf)); } },
-    { "ListActionIds", "", [](Service &s, In, Out out) { out = { s.changes.actionIds() }; } },
-    { "ListConfigIds", "",
-      [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Config) }; } },
-    { "ListResultIds", "",
-      [](Service &s, In, Out out) { out = { s.items.ids(ItemKind::Result) }; } },
-    { "LoadConfig", "s", [](Service &s, In a, Out out) { out = { s.loadConfig(text(a)) }; } },
-    { "LogClear", "s", [](Service &s, In a, Out) { s.log.check(text(a)); } },
+      [](Self s, In a, Out out) { out = { s.changes.startAction(text(a), text(a, 1)) }; } },
+    { "DoAction", "s", [](Self s, In a, Out) { s.changes.startAction(text(a), {}); } },
+    { "GetStatus", "as", [](Self s, In a, Out out) { out = s.read<int>(a); } },
+    { "GetStatus", "s", [](Self s, In a, Out out) { out = s.read<int>(a); } },
+    { "GetValue", "as", [](Self s, In a, Out out) { out = s.read<IdValueStruct>(a); } },
+    { "GetValue", "s", [](Self s, In a, Out out) { out = s.read<QDBusVariant>(a); } },
+    { "GetValueStatus", "as", [](Self s, In a, Out out) { out = s.read<IdValueStatusStruct>(a); } },
+    { "GetValueStatus", "s", [](Self s, In a, Out out) { out = s.read<IdValueStatusStruct>(a); } },
+    { "ListActionIds", "", [](Self s, In, Out out) { out = { s.changes.actionIds() }; } },
+    { "ListConfigIds", "", [](Self s, In, Out out) { out = { s.items.ids(ItemKind::Config) }; } },
+    { "ListResultIds", "", [](Self s, In, Out out) { out = { s.items.ids(ItemKind::Result) }; } },
+    { "LoadConfig", "s", [](Self s, In a, Out out) { out = { s.loadConfig(text(a)) }; } },
+    { "LogClear", "s", [](Self s, In a, Out) { s.log.check(text(a)); } },
     { "LogGetIds", "",
-      [](Service &s, In, Out out) { out = { s.catalog.logs.join(QLatin1Char(' ')) }; } },
-    { "LogStartNotify", "s", [](Service &s, In a, Out) { s.log.announce(text(a), true); } },
-    { "LogStopNotify", "s", [](Service &s, In a, Out) { s.log.announce(text(a), false); } },
-    { "SaveConfig", "s", [](Service &s, In a, Out out) { out = { s.saveConfig(text(a)) }; } },
+      [](Self s, In, Out out) { out = { s.catalog.logs.join(QLatin1Char(' ')) }; } },
+    { "LogStartNotify", "s", [](Self s, In a, Out) { s.log.announce(text(a), true); } },
+    { "LogStopNotify", "s", [](Self s, In a, Out) { s.log.announce(text(a), false); } },
+    { "SaveConfig", "s", [](Self s, In a, Out out) { out = { s.saveConfig(text(a)) }; } },
     { "SetValue", "a(sv)",
-      [](Service &s, In a, Out) { s.set(qdbus_cast<QList<IdValueStruct>>(a.at(0))); } },
+      [](Self s, In a, Out) { s.set(qdbus_cast<QList<IdValueStruct>>(a.at(0))); } },
     { "SetValue", "sv",
-      [](Service &s, In a, Out) {
+      [](Self s, In a, Out) {
           s.set({ { text(a), inner(a) } });
       } },
-    { "StartConfigNotify", "", [](Service &s, In, Out) { s.items.start(ItemKind::Config); } },
-    { "StartResultNotify", "", [](Service &s, In, Out) { s.items.start(ItemKind::Result); } },
-    { "StopConfigNotify", "", [](Service &s, In, Out) { s.items.stop(ItemKind::Config); } },
-    { "StopResultNotify", "", [](Service &s, In, Out) { s.items.stop(ItemKind::Result); } },
+    { "StartConfigNotify", "", [](Self s, In, Out) { s.items.start(ItemKind::Config); } },
+    { "StartResultNotify", "", [](Self s, In, Out) { s.items.start(ItemKind::Result); } },
+    { "StopConfigNotify", "", [](Self s, In, Out) { s.items.stop(ItemKind::Config); } },
+    { "StopResultNotify", "", [](Self s, In, Out) { s.items.stop(ItemKind::Result); } },
 };
 
 Service::Service(const Catalog &catalogOfService, StateFiles &stateFiles,
@@ -297,17 +251,21 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
     }
 }
 
-template <typename Told>
-QList<Told> Service::read(const QStringList &ids, Told (*tell)(const Item &))
+template <typename Told> QVariantList Service::read(const QVariantList &arguments)
 {
     // The bus closes the connection of a client that sends a longer message.
     constexpr qint64 mostBytes = 67108864;
-    const QVector<int> indexes = items.find(ids);
+    constexpr qint64 mostBytesOfFrame = 40;
+    constexpr qint64 mostBytesOfUnit = 3;
+    const QVector<int> indexes = items.find(texts(arguments));
     QList<Told> told;
     qint64 bytes = 0;
     for (const int index : indexes) {
-        told.append(tell(items.at(index)));
-        bytes += busSize<Told>(items.at(index));
+        const Item &item = items.at(index);
+        told.append(tell<Told>(item));
+        bytes += std::is_same_v<Told, int>
+            ? qint64 { sizeof(Told) }
+            : mostBytesOfFrame + mostBytesOfUnit * item.id.size() + item.type->busSize(item.value);
     }
     if (bytes > mostBytes) {
         throw badValue("The values of %1 items do not fit one answer."_q.arg(indexes.size()));
@@ -315,7 +273,8 @@ QList<Told> Service::read(const QStringList &ids, Told (*tell)(const Item &))
     for (const int index : indexes) {
         log.record(LogLevel::Debug, items.at(index).id, "read"_q);
     }
-    return told;
+    const bool isList = arguments.at(0).userType() == QMetaType::QStringList;
+    return { isList ? QVariant::fromValue(told) : QVariant::fromValue(told.first()) };
 }
 
 Assignment Service::convert(const IdValueStruct &wanted) const

@@ -4,18 +4,10 @@
 #pragma once
 
 #include "sim/catalog.h"
-#include "sim/items.h"
-#include "sim/log.h"
 #include "sim/options.h"
-#include "sim/statefiles.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusVirtualObject>
-#include <QString>
-#include <QStringList>
-#include <QVariant>
-#include <QVector>
 
 struct IdValueStruct;
 
@@ -55,8 +47,9 @@ private:
     const Fault *faultFor(const QDBusMessage &call);
     void suffer(const Fault &fault, const Method &method, const QDBusMessage &call);
 
-    /// What a call reads of items, all of which are noted, unless the answer would be too long.
-    template <typename Told> QList<Told> read(const QStringList &ids, Told (*tell)(const Item &));
+    /// The answer to a call that reads items: a list of what it asks for, or of one identifier just
+    /// that. All items are noted, unless the answer would be too long.
+    template <typename Told> QVariantList read(const QVariantList &arguments);
     Assignment convert(const IdValueStruct &wanted) const;
     void set(const QList<IdValueStruct> &wanted);
     void serverCommand(const QString &word, const QVariant &value);
