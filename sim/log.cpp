@@ -13,80 +13,77 @@
 #include <QDBusVariant>
 #include <QRegularExpression>
 
-#include <algorithm>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <utility>
 
 #include <unistd.h>
 
-// What messages hold as JSON, as a catalogue would have it. The JSON library finds these functions
-// only if their namespace is that of Qt's types.
-
-static void to_json(Json &json, const QVariant &value);
-
-static void to_json(Json &json, const IdValueStruct &record)
-{
-    json = { record.id.toStdString(), record.value };
-}
-
-static void to_json(Json &json, const IdValueStatusStruct &record)
-{
-    json = { record.id.toStdString(), record.value, record.status };
-}
-
-/// Arrays, records and dictionaries become arrays; an entry of a dictionary is one of two elements.
-static void to_json(Json &json, const QDBusArgument &argument)
-{
-    const QDBusArgument::ElementType type = argument.currentType();
-    if (type == QDBusArgument::BasicType || type == QDBusArgument::VariantType) {
-        json = argument.asVariant();
-        return;
-    }
-    json = Json::array();
-    // Qt D-Bus enters every kind of container in the same way.
-    argument.beginStructure();
-    while (!argument.atEnd()) {
-        json.push_back(argument);
-    }
-    argument.endStructure();
-}
-
-/// Converts the variant if it holds a value of one of the types.
-template <typename... Types> static bool convertAs(Json &json, const QVariant &value)
-{
-    return ((value.userType() == qMetaTypeId<Types>() && (json = value.value<Types>(), true))
-            || ...);
-}
-
-static void to_json(Json &json, const QVariant &value)
-{
-    if (convertAs<QDBusArgument, IdValueStatusStruct, QList<IdValueStruct>,
-                  QList<IdValueStatusStruct>, QList<int>>(json, value)) {
-        return;
-    }
-    const int type = value.userType();
-    if (type == qMetaTypeId<QDBusVariant>()) {
-        json = value.value<QDBusVariant>().variant();
-    } else if (const ValueType *known = typeWithSignature(signatureOf(value))) {
-        json = known->toJson(value);
-    } else if (type == QMetaType::QByteArray) {
-        const QByteArray bytes = value.toByteArray();
-        json = std::vector<unsigned char>(bytes.begin(), bytes.end());
-    } else if (type == qMetaTypeId<QDBusObjectPath>()) {
-        json = value.value<QDBusObjectPath>().path().toStdString();
-    } else if (type == qMetaTypeId<QDBusSignature>()) {
-        json = value.value<QDBusSignature>().signature().toStdString();
-    } else {
-        json = value.toString().toStdString();
-    }
-}
-
 namespace
 {
 
-constexpr const char *levelWords[] = { "ERROR",  "INFO",   "DEBUG", "DEBUG1",
-                                       "DEBUG2", "DEBUG3", "DEBUG4" };
+const QStringList levelWords { "ERROR"_q,  "INFO"_q,   "DEBUG"_q, "DEBUG1"_q,
+                               "DEBUG2"_q, "DEBUG3"_q, "DEBUG4"_q };
+
+Json jsonOf(const QVariant &value);
+
+/// Arrays, records and dictionaries become arrays; an entry of a dictionary is one of two elements.
+Json jsonOf(const QDBusArgument &argument)
+{
+    const QDBusArgument::ElementType type = argument.currentType();
+    if (type == QDBusArgument::BasicType || type == QDBusArgument::VariantType) {
+        return jsonOf(argument.asVariant());
+    }
+    Json list = Json::array();
+    // Qt D-Bus enters every kind of container in the same way.
+    argument.beginStructure();
+    while (!argument.atEnd()) {
+        list.push_back(jsonOf(argument));
+    }
+    argument.endStructure();
+    return list;
+}
+
+/// What a message holds as JSON, as a catalogue would have it.
+Json jsonOf(const QVariant &value)
+{
+    const int type = value.userType();
+    if (type == qMetaTypeId<QDBusArgument>()) {
+        return jsonOf(value.value<QDBusArgument>());
+    }
+    if (type == qMetaTypeId<QDBusVariant>()) {
+        return jsonOf(value.value<QDBusVariant>().variant());
+    }
+    if (type == qMetaTypeId<IdValueStruct>()) {
+        const auto record = value.value<IdValueStruct>();
+        return { record.id.toStdString(), jsonOf(record.value) };
+    }
+    if (type == qMetaTypeId<IdValueStatusStruct>()) {
+        const auto record = value.value<IdValueStatusStruct>();
+        return { record.id.toStdString(), jsonOf(record.value), record.status };
+    }
+    if (value.canConvert<QVariantList>()) {
+        Json list = Json::array();
+        const auto elements = value.value<QVariantList>();
+        for (const QVariant &each : elements) {
+            list.push_back(jsonOf(each));
+        }
+        return list;
+    }
+    if (const ValueType *known = typeWithSignature(signatureOf(value))) {
+        return known->toJson(value);
+    }
+    if (type == QMetaType::QByteArray) {
+        const QByteArray bytes = value.toByteArray();
+        return std::vector<unsigned char>(bytes.begin(), bytes.end());
+    }
+    if (type == qMetaTypeId<QDBusObjectPath>()) {
+        return value.value<QDBusObjectPath>().path().toStdString();
+    }
+    if (type == qMetaTypeId<QDBusSignature>()) {
+        return value.value<QDBusSignature>().signature().toStdString();
+    }
+    return value.toString().toStdString();
+}
 
 Refusal malformed(const QString &value, const QString &wanted)
 {
@@ -97,14 +94,6 @@ Refusal malformed(const QString &value, const QString &wanted)
 Refusal unknownLog(const QString &name)
 {
     return { "UnknownId"_q, unknownId(name).sentence };
-}
-
-/// The fields of an identifier, which colons surround and separate.
-QStringList fieldsOf(const QString &id)
-{
-    // A client may send an id of many millions of fields.
-    constexpr int longestId = 1000;
-    return id.left(longestId).split(QLatin1Char(':'), Qt::SkipEmptyParts);
 }
 
 } // namespace
@@ -155,12 +144,12 @@ void Announcer::record(const QDBusMessage &message, const QDBusMessage *answer)
         line["sender"] = message.service().toStdString();
     }
     line["signature"] = signature.toStdString();
-    line["arguments"] = Json(arguments);
+    line["arguments"] = jsonOf(arguments);
     if (answer != nullptr && answer->type() == QDBusMessage::ErrorMessage) {
         line["refusal"] = { { "name", answer->errorName().toStdString() },
                             { "sentence", answer->errorMessage().toStdString() } };
     } else if (answer != nullptr) {
-        line["answer"] = Json(answer->arguments());
+        line["answer"] = jsonOf(answer->arguments());
     }
     const QByteArray bytes = QByteArray::fromStdString(line.dump()) + '\n';
     if (file.write(bytes) != bytes.size()) {
@@ -195,14 +184,15 @@ Log::Log(const QStringList &logNames, const QStringList &debugLogNames, StateFil
 void Log::record(LogLevel level, const QString &id, const QString &text)
 {
     const QString entry = shown(id) + QLatin1Char(' ') + text;
-    const QStringList fields = fieldsOf(id);
+    // Fields are surrounded and separated by colons. A client may send many millions of them.
+    constexpr int longestId = 1000;
+    const QStringList fields = id.left(longestId).split(QLatin1Char(':'), Qt::SkipEmptyParts);
     if (file && level <= reportingLevel) {
         const QString name = "LOG_"_q + fields.value(1).toUpper();
         const uint number = fields.isEmpty() ? 0 : fields.last().toUInt();
         const auto found = debugLogs.constFind(name);
         if (found != debugLogs.constEnd() && !found->test(number < found->size() ? number : 0)) {
-            const QLatin1String word(levelWords[static_cast<std::size_t>(level)]);
-            write("%1 %2 %3\n"_q.arg(word, name, entry));
+            write("%1 %2 %3\n"_q.arg(levelWords.at(static_cast<int>(level)), name, entry));
         }
     }
     const QString log = fields.value(0);
@@ -244,9 +234,16 @@ void Log::command(const QString &word, const QString &value)
     if (word == "SET"_q || word == "SET_ALL"_q) {
         setInstances(value, word == "SET"_q);
     } else if (word == "SET_REPORTING_LEVEL"_q) {
-        setReportingLevel(value);
+        const int level = levelWords.indexOf(value);
+        if (level < 0) {
+            throw malformed(value, levelWords.join(QLatin1Char('|')));
+        }
+        reportingLevel = static_cast<LogLevel>(level);
     } else if (word == "SAVE_TO"_q) {
-        saveTo(value);
+        // A client may name a path, but the file is always in the state directory.
+        fileName = value.mid(value.lastIndexOf(QLatin1Char('/')) + 1);
+        file = files.create(fileName);
+        announcer.info("debug log goes to %1"_q.arg(files.pathOf(fileName)));
     } else if (word == "SAVE_STOP"_q) {
         if (!value.isEmpty()) {
             throw badValue("SAVE_STOP takes no value, but %1 came with it."_q.arg(quoted(value)));
@@ -281,22 +278,4 @@ void Log::setInstances(const QString &value, bool isOne)
     } else {
         *found = isOff ? Instances().set() : Instances();
     }
-}
-
-void Log::setReportingLevel(const QString &value)
-{
-    const auto *word = std::find_if(std::begin(levelWords), std::end(levelWords),
-                                    [&](const char *each) { return value == QLatin1String(each); });
-    if (word == std::end(levelWords)) {
-        throw malformed(value, "ERROR|INFO|DEBUG|DEBUG1|DEBUG2|DEBUG3|DEBUG4"_q);
-    }
-    reportingLevel = static_cast<LogLevel>(word - std::begin(levelWords));
-}
-
-void Log::saveTo(const QString &value)
-{
-    // A client may name a path, but the file is always in the state directory.
-    fileName = value.mid(value.lastIndexOf(QLatin1Char('/')) + 1);
-    file = files.create(fileName);
-    announcer.info("debug log goes to %1"_q.arg(files.pathOf(fileName)));
 }

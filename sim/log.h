@@ -76,8 +76,6 @@ public:
 
 private:
     void setInstances(const QString &value, bool isOne);
-    void setReportingLevel(const QString &value);
-    void saveTo(const QString &value);
     void write(const QString &line);
 
     QHash<QString, bool> logs; ///< by name, whether entries are announced
