@@ -8,14 +8,6 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-namespace
-{
-
-/// Of an action that drives a result.
-constexpr int steps = 10;
-
-} // namespace
-
 Items::Items(QVector<Item> catalogue, Log &logOfChanges, Announcer &announcerOfUpdates)
     : all(std::move(catalogue))
     , log(logOfChanges)
@@ -120,7 +112,7 @@ void Items::start(ItemKind kind)
     // A second start must not delay the next tick.
     if (!of(kind).started) {
         of(kind).started = true;
-        run(kind);
+        setPace(kind, of(kind).pace);
     }
 }
 
@@ -132,20 +124,13 @@ void Items::stop(ItemKind kind)
 
 void Items::setPace(ItemKind kind, int milliseconds)
 {
-    of(kind).pace = milliseconds;
-    if (of(kind).started) {
-        run(kind);
-    }
-}
-
-void Items::run(ItemKind kind)
-{
     Schedule &schedule = of(kind);
-    if (schedule.pace == 0) {
+    schedule.pace = milliseconds;
+    if (schedule.started && milliseconds > 0) {
+        schedule.timer.start(milliseconds);
+    } else if (schedule.started) {
         schedule.timer.stop();
         announce(kind);
-    } else {
-        schedule.timer.start(schedule.pace);
     }
 }
 
@@ -204,6 +189,7 @@ QString Changes::startAction(const QString &id, const std::optional<QString> &va
 
 void Changes::advance(const Action &action, int step)
 {
+    constexpr int steps = 10;
     if (action.drivenItem >= 0) {
         const ValueType *type = items.at(action.drivenItem).type;
         const QVariant percent = type->fromText(QString::number(100 * step / steps), {});
@@ -231,15 +217,7 @@ void Changes::startTimeline()
         due.emplace(timeline.at(index).at, index);
     }
     clock.start();
-    wait();
-}
-
-void Changes::wait()
-{
-    if (!due.empty()) {
-        const qint64 rest = std::max<qint64>(0, due.begin()->first - clock.elapsed());
-        QTimer::singleShot(static_cast<int>(rest), Qt::PreciseTimer, this, &Changes::carryOutDue);
-    }
+    QTimer::singleShot(0, this, &Changes::carryOutDue);
 }
 
 void Changes::carryOutDue()
@@ -259,5 +237,8 @@ void Changes::carryOutDue()
             due.emplace(now + moment.every - (now - time) % moment.every, index);
         }
     }
-    wait();
+    if (!due.empty()) {
+        const qint64 rest = std::max<qint64>(0, due.begin()->first - clock.elapsed());
+        QTimer::singleShot(static_cast<int>(rest), Qt::PreciseTimer, this, &Changes::carryOutDue);
+    }
 }

@@ -80,7 +80,7 @@ private:
     };
 
     Schedule &of(ItemKind kind) { return kind == ItemKind::Config ? configs : results; }
-    void run(ItemKind kind);
+    /// Sends the changes that are not announced yet.
     void announce(ItemKind kind);
 
     QVector<Item> all;
@@ -132,14 +132,14 @@ public:
 private:
     /// Executes a step of a running action, and schedules the next step or ends the action.
     void advance(const Action &action, int step);
-    void wait();
+    /// Carries out the moments whose time has come, and waits for the next one.
     void carryOutDue();
 
     const QVector<Action> actions;
     const QVector<Moment> timeline;
     QSet<QString> running; ///< ids of actions
-    std::set<std::pair<qint64, int>>
-        due; ///< times with indexes: those of one time keep their order
+    /// Times with indexes: those of one time keep their order.
+    std::set<std::pair<qint64, int>> due;
     QElapsedTimer clock;
     Items &items;
     Log &log;
