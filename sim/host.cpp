@@ -92,15 +92,13 @@ void serve(const Options &options, const std::function<void()> &announceReady)
                 "Disconnected"_q, QCoreApplication::instance(), SLOT(quit()));
     Service service(catalog, files, announcer, options.faults);
     bus.registerVirtualObject(options.path, &service);
-    constexpr int withoutAWord = 1;
-    QObject::connect(&service, &Service::vanished, [] { QCoreApplication::exit(withoutAWord); });
     catchSignals(&service);
     ownName(bus, options.service);
     announceReady();
     service.startTimeline();
-    const int status = QCoreApplication::exec();
+    QCoreApplication::exec();
     const bool hasBus = bus.isConnected();
-    if (status != withoutAWord) {
+    if (!service.hasVanished()) {
         announcer.send({ "SigDBusServerClosing"_q, { "movra-sim is closing"_q } });
     }
     // When the bus answers this call, everything that was sent before it has arrived.

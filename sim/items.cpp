@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sim/items.h"
 
-#include <Qt>
-
 #include <algorithm>
 #include <iterator>
 #include <nlohmann/json.hpp>

@@ -16,13 +16,6 @@
 namespace
 {
 
-constexpr struct {
-    const char *refusal;
-    int status;
-} statuses[] = { { "Usage", 1 },         { "Catalog", 2 },   { "Bus", 3 },    { "Name", 4 },
-                 { "Path", 5 },          { "State", 6 },     { "Record", 7 }, { "Capture", 8 },
-                 { "NotRunnable", 126 }, { "NotFound", 127 } };
-
 void print(std::FILE *stream, const QString &text)
 {
     std::fputs(text.toLocal8Bit().constData(), stream);
@@ -32,15 +25,16 @@ void print(std::FILE *stream, const QString &text)
 /// Carries out a task; a refusal becomes the last line, and its status that of the program.
 int carryOut(const std::function<int()> &task)
 {
+    static const QHash<QString, int> statuses {
+        { "Usage"_q, 1 },         { "Catalog"_q, 2 },    { "Bus"_q, 3 },    { "Name"_q, 4 },
+        { "Path"_q, 5 },          { "State"_q, 6 },      { "Record"_q, 7 }, { "Capture"_q, 8 },
+        { "NotRunnable"_q, 126 }, { "NotFound"_q, 127 },
+    };
     try {
         return task();
     } catch (const Refusal &refusal) {
         print(stderr, "movra-sim: %1\n"_q.arg(refusal.sentence));
-        const auto *found =
-            std::find_if(std::begin(statuses), std::end(statuses), [&refusal](const auto &each) {
-                return refusal.name == QLatin1String(each.refusal);
-            });
-        return found == std::end(statuses) ? 1 : found->status;
+        return statuses.value(refusal.name, 1);
     }
 }
 

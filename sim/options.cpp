@@ -14,21 +14,6 @@
 namespace
 {
 
-enum class Value { None, Optional, Required };
-
-constexpr struct {
-    const char *word;
-    Fault::Kind kind;
-    Value value;
-} faultKinds[] = {
-    { "delay", Fault::Kind::Delay, Value::Required },
-    { "refuse", Fault::Kind::Refuse, Value::Optional },
-    { "error", Fault::Kind::Refuse, Value::Required },
-    { "wrong-type", Fault::Kind::WrongType, Value::None },
-    { "vanish", Fault::Kind::Vanish, Value::None },
-    { "silence", Fault::Kind::Silence, Value::None },
-};
-
 Refusal wrong(const QString &sentence)
 {
     return { "Usage"_q, sentence + " See movra-sim --help."_q };
@@ -37,7 +22,11 @@ Refusal wrong(const QString &sentence)
 /// Reads a fault such as `GetValue(:id:)=delay:500@3`.
 Fault readFault(const QString &text)
 {
-    constexpr int longestDelay = 3600000;
+    static const QHash<QString, Fault::Kind> plainKinds {
+        { "wrong-type"_q, Fault::Kind::WrongType },
+        { "vanish"_q, Fault::Kind::Vanish },
+        { "silence"_q, Fault::Kind::Silence },
+    };
     const auto notValid = [&text](const QString &reason) {
         return wrong("The fault %1 is not valid: %2."_q.arg(quoted(text), reason));
     };
@@ -59,37 +48,38 @@ Fault readFault(const QString &text)
     fault.only = parts.captured(5).toInt();
     const QString word = parts.captured(3);
     const QString value = parts.captured(4);
-    const auto *row =
-        std::find_if(std::begin(faultKinds), std::end(faultKinds),
-                     [&](const auto &each) { return word == QLatin1String(each.word); });
-    if (row == std::end(faultKinds) || (row->value == Value::None && !value.isNull())
-        || (row->value == Value::Required && value.isNull())) {
-        throw notValid(
-            "%1 is not delay:MS, refuse, refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, "
-            "vanish or silence"_q.arg(
-                quoted(value.isNull() ? word : word + QLatin1Char(':') + value)));
-    }
-    fault.kind = row->kind;
-    QString sentence = value;
-    if (word == "error"_q) {
+    QString sentence;
+    if (plainKinds.contains(word) && value.isNull()) {
+        fault.kind = plainKinds.value(word);
+    } else if (word == "refuse"_q) {
+        fault.kind = Fault::Kind::Refuse;
+        sentence = value;
+    } else if (word == "error"_q && !value.isNull()) {
         static const QRegularExpression name(
             "\\A(?=.{1,255}\\z)[A-Za-z_][A-Za-z0-9_]*(\\.[A-Za-z_][A-Za-z0-9_]*)+\\z"_q);
+        fault.kind = Fault::Kind::Refuse;
         fault.error = value.section(QLatin1Char(':'), 0, 0);
         sentence = value.section(QLatin1Char(':'), 1);
         if (!name.match(fault.error).hasMatch()) {
             throw notValid("%1 is not the name of a bus error"_q.arg(quoted(fault.error)));
         }
-    }
-    if (!sentence.isEmpty()) {
-        fault.text = sentence;
-    }
-    if (fault.kind == Fault::Kind::Delay) {
+    } else if (word == "delay"_q && !value.isNull()) {
+        constexpr int longestDelay = 3600000;
         bool isNumber = false;
+        fault.kind = Fault::Kind::Delay;
         fault.delay = value.toInt(&isNumber);
         if (!isNumber || fault.delay < 0 || fault.delay > longestDelay) {
             throw notValid("%1 is not in 0 to %2 milliseconds"_q.arg(
                 quoted(value), QString::number(longestDelay)));
         }
+    } else {
+        throw notValid(
+            "%1 is not delay:MS, refuse, refuse:TEXT, error:NAME, error:NAME:TEXT, wrong-type, "
+            "vanish or silence"_q.arg(
+                quoted(value.isNull() ? word : word + QLatin1Char(':') + value)));
+    }
+    if (!sentence.isEmpty()) {
+        fault.text = sentence;
     }
     return fault;
 }

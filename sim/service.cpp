@@ -3,6 +3,7 @@
 
 #include "bus/types.h"
 
+#include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusVariant>
 #include <QTimer>
@@ -166,7 +167,7 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
     if (wanted.isEmpty() ? method == nullptr : wanted != "varn.pim"_q) {
         return false;
     }
-    if (hasVanished) {
+    if (vanished) {
         return true;
     }
     if (method == nullptr) {
@@ -229,7 +230,7 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
     switch (fault.kind) {
     case Fault::Kind::Delay:
         QTimer::singleShot(fault.delay, Qt::PreciseTimer, this, [this, &method, call] {
-            if (!hasVanished) {
+            if (!vanished) {
                 answer(method, call);
             }
         });
@@ -242,8 +243,8 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
         break;
     case Fault::Kind::Vanish:
         announcer.record(call);
-        hasVanished = true;
-        Q_EMIT vanished();
+        vanished = true;
+        QCoreApplication::quit();
         break;
     case Fault::Kind::Silence:
         announcer.record(call);

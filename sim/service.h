@@ -14,8 +14,6 @@ struct IdValueStruct;
 /// The simulated service.
 class Service : public QDBusVirtualObject
 {
-    Q_OBJECT
-
 public:
     /// All but the faults must outlive the service.
     Service(const Catalog &catalogOfService, StateFiles &stateFiles, Announcer &signalAnnouncer,
@@ -23,6 +21,9 @@ public:
 
     /// Starts the timeline.
     void startTimeline() { changes.startTimeline(); }
+    /// Whether a call had the fault Fault::Kind::Vanish, which ends the event loop. No further call
+    /// is answered.
+    bool hasVanished() const { return vanished; }
     /// Whether a method of the interface has this name.
     static bool hasMember(const QString &name);
 
@@ -30,10 +31,6 @@ public:
     QString introspect(const QString &path) const override;
     /// Answers a call of the interface; leaves calls of other interfaces to Qt.
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
-
-Q_SIGNALS:
-    /// A call had the fault Fault::Kind::Vanish. No further call is answered.
-    void vanished();
 
 private:
     struct Method;
@@ -64,5 +61,5 @@ private:
     Items items;
     Changes changes;
     QVector<Fault> faults;
-    bool hasVanished = false;
+    bool vanished = false;
 };
