@@ -53,11 +53,7 @@ public:
         QByteArray text = "{\n" + listText("configs", configs, readItem);
         text += listText("results", results, readItem);
         text += listText("actions", list("ListActionIds"), [this](const QString &id) {
-            Line entry;
-            if (take(id)) {
-                entry["id"] = id.toStdString();
-            }
-            return entry;
+            return take(id) ? Line::object({ { "id", id.toStdString() } }) : Line();
         });
         const QString logs = ask("LogGetIds", "s").value(0).toString();
         text += namesText("logs", logs.split(QLatin1Char(' '), Qt::SkipEmptyParts), isLogName);
@@ -82,20 +78,18 @@ private:
         const QString what = arguments.isEmpty() ? call.member() : arguments.first().toString();
         if (reply.type() == QDBusMessage::ErrorMessage) {
             endIfBusEnded();
-            switch (QDBusError(reply).type()) {
-            case QDBusError::NoReply:
-            case QDBusError::Timeout:
-            case QDBusError::TimedOut:
-            case QDBusError::Disconnected:
-            case QDBusError::ServiceUnknown:
-            case QDBusError::UnknownObject:
-            case QDBusError::UnknownInterface:
-            case QDBusError::InvalidSignature:
+            // The service is gone, or is none of this kind.
+            static const QSet<QDBusError::ErrorType> fatal {
+                QDBusError::NoReply,          QDBusError::Timeout,
+                QDBusError::TimedOut,         QDBusError::Disconnected,
+                QDBusError::ServiceUnknown,   QDBusError::UnknownObject,
+                QDBusError::UnknownInterface, QDBusError::InvalidSignature,
+            };
+            if (fatal.contains(QDBusError(reply).type())) {
                 throw failure("%1: %2"_q.arg(quoted(what), shown(reply.errorMessage())));
-            default:
-                skip(what, reply.errorMessage());
-                return {};
             }
+            skip(what, reply.errorMessage());
+            return {};
         }
         if (reply.signature() != QLatin1String(signature)) {
             throw failure("%1: the answer has D-Bus type %2 instead of \"%3\""_q.arg(

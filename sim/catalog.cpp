@@ -231,7 +231,9 @@ private:
         if (fields.find("drive") != nullptr) {
             const QString id = fields.name("drive");
             action.drivenItem = indexes.value(id, -1);
-            if (action.drivenItem < 0 || !isDriven(catalog.items.at(action.drivenItem))) {
+            // An unknown item is a config without a type.
+            const Item driven = catalog.items.value(action.drivenItem);
+            if (driven.kind != ItemKind::Result || !driven.type->isNumber) {
                 throw fields.refusal("drive",
                                      "%1 is not a result with a single number"_q.arg(quoted(id)));
             }
@@ -268,11 +270,6 @@ private:
             }
         }
         catalog.timeline.append(moment);
-    }
-
-    static bool isDriven(const Item &item)
-    {
-        return item.kind == ItemKind::Result && item.type->isNumber;
     }
 
     static Signal readSignal(Fields &fields)

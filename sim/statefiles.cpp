@@ -23,10 +23,7 @@ const QString ownPrefix = ".movra-sim."_q;
 void checkName(const QString &name)
 {
     constexpr int mostNameBytes = 200;
-    const struct {
-        bool isBroken;
-        QString reason;
-    } rules[] = {
+    const std::pair<bool, QString> rules[] = {
         { name.isEmpty(), "it is empty"_q },
         { name == "."_q || name == ".."_q, "it names a directory"_q },
         { name.contains(QLatin1Char('/')), "it holds a slash"_q },
@@ -35,11 +32,10 @@ void checkName(const QString &name)
           "names that begin with %1 are the simulator's own"_q.arg(ownPrefix) },
         { name.toUtf8().size() > mostNameBytes, "it is longer than %1 bytes"_q.arg(mostNameBytes) },
     };
-    for (const auto &rule : rules) {
-        if (rule.isBroken) {
-            throw Refusal {
-                "BadName"_q, "%1 cannot be the name of a file: %2."_q.arg(quoted(name), rule.reason)
-            };
+    for (const auto &[isBroken, reason] : rules) {
+        if (isBroken) {
+            throw Refusal { "BadName"_q,
+                            "%1 cannot be the name of a file: %2."_q.arg(quoted(name), reason) };
         }
     }
 }
