@@ -31,17 +31,13 @@ void catchSignals(QObject *context)
     const auto *notifier = new QSocketNotifier(wakeUp, QSocketNotifier::Read, context);
     QObject::connect(notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
     for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
-        struct sigaction action {
+        struct sigaction before {
         };
-        ::sigaction(number, nullptr, &action);
+        ::sigaction(number, nullptr, &before);
         // A shell ignores them on purpose for a program in the background or under nohup.
-        if (number != SIGTERM && action.sa_handler == SIG_IGN) {
-            continue;
+        if (number == SIGTERM || before.sa_handler != SIG_IGN) {
+            std::signal(number, [](int /*signal*/) { ::eventfd_write(wakeUp, 1); });
         }
-        action = {};
-        action.sa_handler = [](int /*signal*/) { ::eventfd_write(wakeUp, 1); };
-        action.sa_flags = SA_RESTART;
-        ::sigaction(number, &action, nullptr);
     }
 }
 
