@@ -63,9 +63,18 @@ class Process
 public:
     enum class Session { Same, Own };
 
-    /// Forks; the new process ends with the status that the task returns.
-    Process(const Signals &signals, Session session, const std::function<int()> &task)
+    /// Forks; the new process ends with the status that the task returns. The task may write a line
+    /// for its parent.
+    Process(const Signals &signals, Session session, const std::function<int(QFile &)> &task)
     {
+        QFile writer;
+        std::array<int, 2> ends {};
+        const QIODevice::OpenMode unbuffered = QIODevice::Unbuffered;
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0
+            || !output.open(ends[0], QIODevice::ReadOnly | unbuffered, QFile::AutoCloseHandle)
+            || !writer.open(ends[1], QIODevice::WriteOnly | unbuffered, QFile::AutoCloseHandle)) {
+            failWith(qt_error_string(errno));
+        }
         const pid_t parent = ::getpid();
         pid = ::fork();
         if (pid < 0) {
@@ -82,7 +91,7 @@ public:
                 }
             }
             // This process has copies of objects that belong to its parent.
-            ::_exit(task());
+            ::_exit(task(writer));
         }
     }
     ~Process()
@@ -94,6 +103,8 @@ public:
     }
     Q_DISABLE_COPY(Process)
 
+    /// Waits for the line from the process; empty: there is none.
+    QByteArray line() { return output.readLine().trimmed(); }
     void send(int signalNumber) const { ::kill(pid, signalNumber); }
     /// True once it has ended; its exit status is then that of a shell.
     bool wait(int options)
@@ -110,22 +121,7 @@ public:
 
 private:
     pid_t pid = -1;
-};
-
-/// A pipe whose ends close themselves.
-struct Pipe {
-    QFile reader;
-    QFile writer;
-
-    Pipe()
-    {
-        std::array<int, 2> ends {};
-        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-            failWith(qt_error_string(errno));
-        }
-        reader.open(ends[0], QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle);
-        writer.open(ends[1], QIODevice::WriteOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle);
-    }
+    QFile output;
 };
 
 /// Starts a session bus in the directory and makes it that of this process.
@@ -142,17 +138,15 @@ std::unique_ptr<Process> startBus(const Signals &signals, const QTemporaryDir &d
     const QByteArray file = "--config-file=" + QFile::encodeName(configuration.fileName());
     const QByteArray socket =
         "--address=unix:path=" + QFile::encodeName(directory.filePath("bus"_q));
-    Pipe output;
-    auto daemon = std::make_unique<Process>(signals, Process::Session::Own, [&] {
-        ::dup2(output.writer.handle(), STDOUT_FILENO);
+    auto daemon = std::make_unique<Process>(signals, Process::Session::Own, [&](QFile &output) {
+        ::dup2(output.handle(), STDOUT_FILENO);
         ::dup2(log.handle(), STDERR_FILENO);
         ::execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nopidfile", "--print-address",
                  file.constData(), socket.constData(), static_cast<char *>(nullptr));
         log.write("dbus-daemon cannot be run: " + qt_error_string(errno).toLocal8Bit());
         return 1;
     });
-    output.writer.close();
-    const QByteArray address = output.reader.readLine().trimmed();
+    const QByteArray address = daemon->line();
     if (address.isEmpty()) {
         log.seek(0);
         failWith(shown(QString::fromLocal8Bit(log.readAll().trimmed())));
@@ -174,14 +168,10 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
     }
     qputenv("MOVRA_SIM_STATE", QFile::encodeName(*options.stateDirectory));
 
-    Pipe ready;
-    Process service(signals, Process::Session::Own, [&] {
+    Process service(signals, Process::Session::Own, [&](QFile &output) {
         const pid_t parent = ::getppid();
         const int status = carryOut([&] {
-            serve(options, [&ready] {
-                ready.writer.write("ready");
-                ready.writer.close();
-            });
+            serve(options, [&output] { output.write("ready\n"); });
             return 0;
         });
         if (::getppid() != parent) {
@@ -193,14 +183,13 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
         }
         return status;
     });
-    ready.writer.close();
-    if (ready.reader.readAll().isEmpty()) {
+    if (service.line().isEmpty()) {
         service.wait(0);
         return service.status;
     }
 
     // It keeps the standard streams and the terminal.
-    Process command(signals, Process::Session::Same, [&] {
+    Process command(signals, Process::Session::Same, [&](QFile & /*output*/) {
         return carryOut([&]() -> int {
             ::execvp(options.command[0], options.command);
             const int error = errno;
