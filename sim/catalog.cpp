@@ -258,16 +258,17 @@ private:
             moment.signal = readSignal(fields);
         } else {
             const QString id = fields.name("id");
-            moment.item = indexes.value(id, -1);
-            if (moment.item < 0) {
+            Assignment change { indexes.value(id, -1), {} };
+            if (change.index < 0) {
                 throw fields.refusal("id", "%1 is not a config or a result"_q.arg(quoted(id)));
             }
             if (fields.find("status") != nullptr) {
-                moment.status = fields.integer("status", 0);
+                change.status = fields.integer("status", 0);
             }
-            if (!moment.status || fields.find("value") != nullptr) {
-                moment.value = fields.value("value", *catalog.items.at(moment.item).type);
+            if (!change.status || fields.find("value") != nullptr) {
+                change.value = fields.value("value", *catalog.items.at(change.index).type);
             }
+            moment.change = change;
         }
         catalog.timeline.append(moment);
     }

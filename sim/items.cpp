@@ -47,18 +47,15 @@ void Items::assign(const QVector<Assignment> &assignments, const QString &before
                    const QString &after)
 {
     for (const Assignment &assignment : assignments) {
-        const Item &item = at(assignment.index);
+        Item &item = all[assignment.index];
+        const QVariant value = assignment.value.isValid() ? assignment.value : item.value;
         if (assignment.value.isValid()) {
-            const QString text = item.type->toText(assignment.value);
+            const QString text = item.type->toText(value);
             log.record(LogLevel::Info, item.id, before + shown(text) + after);
         }
         if (assignment.status) {
             log.record(LogLevel::Info, item.id, "has status %1"_q.arg(*assignment.status));
         }
-    }
-    for (const Assignment &assignment : assignments) {
-        Item &item = all[assignment.index];
-        const QVariant value = assignment.value.isValid() ? assignment.value : item.value;
         const int status = assignment.status.value_or(item.status);
         // As JSON, nan is the same as nan.
         if (listed.contains(assignment.index)
@@ -225,10 +222,10 @@ void Changes::carryOutDue()
         const auto [time, index] = *due.begin();
         due.erase(due.begin());
         const Moment &moment = timeline.at(index);
-        if (moment.item < 0) {
-            announcer.send(moment.signal);
+        if (moment.change) {
+            items.assign({ *moment.change }, "changed to "_q);
         } else {
-            items.assign({ { moment.item, moment.value, moment.status } }, "changed to "_q);
+            announcer.send(moment.signal);
         }
         if (moment.every > 0) {
             // Missed times are skipped.

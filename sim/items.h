@@ -105,9 +105,7 @@ struct Action {
 struct Moment {
     int at = 0; ///< the first time, in milliseconds from the start
     int every = 0; ///< the interval; 0: only once
-    int item = -1; ///< -1: a signal is sent
-    QVariant value = {}; ///< not valid: the value does not change
-    std::optional<int> status = {};
+    std::optional<Assignment> change = {}; ///< without one, the signal is sent
     Signal signal = {};
 };
 

@@ -278,31 +278,26 @@ template <typename Told> QVariantList Service::read(const QVariantList &argument
     return { isList ? QVariant::fromValue(told) : QVariant::fromValue(told.first()) };
 }
 
-Assignment Service::convert(const IdValueStruct &wanted) const
-{
-    const int index = items.find({ wanted.id }).first();
-    const Item &item = items.at(index);
-    const QString id = quoted(item.id);
-    if (item.kind == ItemKind::Result) {
-        throw Refusal { "ReadOnly"_q, id + " is a result, which cannot be set."_q, item.id };
-    }
-    // movra sends each value as text and leaves the conversion to the service.
-    const bool isText = wanted.value.userType() == QMetaType::QString;
-    if (isText && item.type->isArray) {
-        const QString sentence = "%1 is an array of type %2; SETARRAY sets it."_q;
-        throw badValue(sentence.arg(id, QLatin1String(item.type->name)), item.id);
-    }
-    const Place place { "BadValue"_q, {}, id + " cannot be set"_q, "."_q, item.id };
-    return { index,
-             isText ? item.type->fromText(wanted.value.toString(), place)
-                    : item.type->fromBus(wanted.value, place) };
-}
-
 void Service::set(const QList<IdValueStruct> &wanted)
 {
     QVector<Assignment> assignments;
     for (const IdValueStruct &each : wanted) {
-        assignments.append(convert(each));
+        const int index = items.find({ each.id }).first();
+        const Item &item = items.at(index);
+        const QString id = quoted(item.id);
+        if (item.kind == ItemKind::Result) {
+            throw Refusal { "ReadOnly"_q, id + " is a result, which cannot be set."_q, item.id };
+        }
+        // movra sends each value as text and leaves the conversion to the service.
+        const bool isText = each.value.userType() == QMetaType::QString;
+        if (isText && item.type->isArray) {
+            const QString sentence = "%1 is an array of type %2; SETARRAY sets it."_q;
+            throw badValue(sentence.arg(id, QLatin1String(item.type->name)), item.id);
+        }
+        const Place place { "BadValue"_q, {}, id + " cannot be set"_q, "."_q, item.id };
+        assignments.append({ index,
+                             isText ? item.type->fromText(each.value.toString(), place)
+                                    : item.type->fromBus(each.value, place) });
     }
     items.assign(assignments, "set to "_q);
 }

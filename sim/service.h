@@ -47,7 +47,6 @@ private:
     /// The answer to a call that reads items: a list of what it asks for, or of one identifier just
     /// that. All items are noted, unless the answer would be too long.
     template <typename Told> QVariantList read(const QVariantList &arguments);
-    Assignment convert(const IdValueStruct &wanted) const;
     void set(const QList<IdValueStruct> &wanted);
     void serverCommand(const QString &word, const QVariant &value);
     // They return true, as the interface wants it: what cannot be done is thrown.
