@@ -9,7 +9,6 @@
 #include <QDBusError>
 #include <QDBusReply>
 #include <QScopeGuard>
-#include <QSet>
 
 #include <cstdio>
 #include <nlohmann/json.hpp>

@@ -3,16 +3,12 @@
 
 #include "sim/statefiles.h"
 
-#include <QFile>
 #include <QRegularExpression>
-#include <QSet>
 
 #include <limits>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace

@@ -5,11 +5,6 @@
 
 #include "sim/items.h"
 
-#include <QByteArray>
-#include <QString>
-#include <QStringList>
-#include <QVector>
-
 /// The contents of a catalogue.
 struct Catalog {
     QVector<Item> items; ///< configs before results

@@ -2,9 +2,6 @@
 // The one error type of the simulator, and how text from outside is shown in sentences.
 #pragma once
 
-#include <QChar>
-#include <QLatin1Char>
-#include <QLatin1String>
 #include <QString>
 
 #include <algorithm>

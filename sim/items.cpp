@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "sim/items.h"
 
-#include <algorithm>
 #include <iterator>
 #include <nlohmann/json.hpp>
-#include <utility>
 
 Items::Items(QVector<Item> catalogue, Log &logOfChanges, Announcer &announcerOfUpdates)
     : all(std::move(catalogue))

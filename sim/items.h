@@ -7,18 +7,13 @@
 #include "sim/value.h"
 
 #include <QElapsedTimer>
-#include <QHash>
 #include <QObject>
 #include <QSet>
-#include <QString>
-#include <QStringList>
 #include <QTimer>
-#include <QVariant>
 #include <QVector>
 
 #include <optional>
 #include <set>
-#include <utility>
 
 /// Clients can set configs. Only actions and the timeline change results.
 enum class ItemKind { Config, Result };

@@ -6,7 +6,6 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QDBusSignature>
@@ -14,7 +13,6 @@
 #include <QRegularExpression>
 
 #include <nlohmann/json.hpp>
-#include <utility>
 
 #include <unistd.h>
 

@@ -6,14 +6,11 @@
 #include "sim/statefiles.h"
 
 #include <QDBusMessage>
-#include <QFile>
 #include <QHash>
-#include <QString>
 #include <QStringList>
 #include <QVariant>
 
 #include <bitset>
-#include <memory>
 
 /// One signal of the interface.
 struct Signal {

@@ -4,7 +4,6 @@
 #include "sim/host.h"
 #include "sim/options.h"
 
-#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstring>

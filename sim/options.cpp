@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QRegularExpression>
 
-#include <algorithm>
 #include <iterator>
 
 namespace

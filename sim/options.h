@@ -4,7 +4,6 @@
 
 #include "sim/errors.h"
 
-#include <QString>
 #include <QStringList>
 #include <QVector>
 

@@ -4,14 +4,11 @@
 #include "sim/host.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <ctime>
-#include <memory>
 
 #include <fcntl.h>
 #include <sys/prctl.h>

@@ -6,13 +6,10 @@
 #include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusVariant>
-#include <QTimer>
 
-#include <algorithm>
 #include <iterator>
 #include <tuple>
 #include <type_traits>
-#include <utility>
 
 namespace
 {

@@ -5,10 +5,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>

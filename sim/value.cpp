@@ -8,7 +8,6 @@
 #include <QRegularExpression>
 #include <QStringList>
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <iterator>

@@ -5,7 +5,6 @@
 
 #include "sim/errors.h"
 
-#include <QString>
 #include <QVariant>
 
 #include <nlohmann/json_fwd.hpp>
