@@ -55,8 +55,8 @@ public:
             return take(id) ? Line::object({ { "id", id.toStdString() } }) : Line();
         });
         const QString logs = ask("LogGetIds", "s").value(0).toString();
-        text += namesText("logs", logs.split(QLatin1Char(' '), Qt::SkipEmptyParts), isLogName);
-        text += namesText("debugLogs", list("DbgLogGetIds"), isDebugLogName);
+        text += namesText("logs", logs.split(QLatin1Char(' '), Qt::SkipEmptyParts), logName);
+        text += namesText("debugLogs", list("DbgLogGetIds"), debugLogName);
         text.chop(2);
         text += "\n}\n";
         showProgress(true);
@@ -164,11 +164,11 @@ private:
         return QByteArray("  \"") + key + "\": [" + lines.join(',') + end + ",\n";
     }
 
-    QByteArray namesText(const char *key, const QStringList &found, bool (*isName)(const QString &))
+    QByteArray namesText(const char *key, const QStringList &found, const QRegularExpression &form)
     {
         QSet<QString> taken;
         return listText(key, found, [&](const QString &name) {
-            if (!isName(name) || taken.contains(name)) {
+            if (!form.match(name).hasMatch() || taken.contains(name)) {
                 return skip(name, "no catalogue can have this log"_q);
             }
             taken.insert(name);

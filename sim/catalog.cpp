@@ -3,8 +3,6 @@
 
 #include "sim/statefiles.h"
 
-#include <QRegularExpression>
-
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -79,10 +77,6 @@ public:
     }
 
     Place in(const char *key) const { return place.in(QString::fromLatin1(key)); }
-    Refusal refusal(const char *key, const QString &reason) const
-    {
-        return in(key).refusal(reason);
-    }
 
     /// A field that may be missing: null then.
     const Json *find(const char *key)
@@ -97,7 +91,7 @@ public:
     {
         const Json *found = find(key);
         if (found == nullptr) {
-            throw refusal(key, "is missing"_q);
+            throw in(key).refusal("is missing"_q);
         }
         return *found;
     }
@@ -114,7 +108,7 @@ public:
     {
         QString found = text(key);
         if (found.isEmpty()) {
-            throw refusal(key, "is empty"_q);
+            throw in(key).refusal("is empty"_q);
         }
         return found;
     }
@@ -128,7 +122,7 @@ public:
         needKind(found->is_number(), *found, "a number", in(key));
         const int number = value(key, *typeNamed("int32"_q)).toInt();
         if (number < least || number > greatest) {
-            throw refusal(key, "%1 is not in %2 to %3"_q.arg(number).arg(least).arg(greatest));
+            throw in(key).refusal("%1 is not in %2 to %3"_q.arg(number).arg(least).arg(greatest));
         }
         return number;
     }
@@ -179,9 +173,9 @@ public:
         top.objects("configs", [this](Fields &fields) { readItem(fields, ItemKind::Config); });
         top.objects("results", [this](Fields &fields) { readItem(fields, ItemKind::Result); });
         top.objects("actions", [this](Fields &fields) { readAction(fields); });
-        catalog.logs = readNames(top, "logs", isLogName, "a name without blanks and colons");
+        catalog.logs = readNames(top, "logs", logName, "a name without blanks and colons");
         catalog.debugLogs =
-            readNames(top, "debugLogs", isDebugLogName, "LOG_ and a name in upper case");
+            readNames(top, "debugLogs", debugLogName, "LOG_ and a name in upper case");
         if (top.find("timeline") != nullptr) {
             top.objects("timeline", [this](Fields &fields) { readMoment(fields); });
         }
@@ -197,7 +191,7 @@ private:
     {
         QString id = fields.name("id");
         if (indexes.contains(id)) {
-            throw fields.refusal("id", "%1 is there already"_q.arg(quoted(id)));
+            throw fields.in("id").refusal("%1 is there already"_q.arg(quoted(id)));
         }
         indexes.insert(id, -1);
         return id;
@@ -209,8 +203,8 @@ private:
         const QString typeName = fields.name("type");
         item.type = typeNamed(typeName);
         if (item.type == nullptr) {
-            throw fields.refusal(
-                "type", "%1 is not a type; types are %2"_q.arg(quoted(typeName), typeNames()));
+            throw fields.in("type").refusal(
+                "%1 is not a type; types are %2"_q.arg(quoted(typeName), typeNames()));
         }
         item.value = fields.value("value", *item.type);
         item.status = fields.integer("status", 0);
@@ -230,8 +224,8 @@ private:
             // An unknown item is a config without a type.
             const Item driven = catalog.items.value(action.drivenItem);
             if (driven.kind != ItemKind::Result || !driven.type->isNumber) {
-                throw fields.refusal("drive",
-                                     "%1 is not a result with a single number"_q.arg(quoted(id)));
+                throw fields.in("drive").refusal(
+                    "%1 is not a result with a single number"_q.arg(quoted(id)));
             }
         }
         if (fields.find("ends") == nullptr) {
@@ -256,7 +250,7 @@ private:
             const QString id = fields.name("id");
             Assignment change { indexes.value(id, -1), {} };
             if (change.index < 0) {
-                throw fields.refusal("id", "%1 is not a config or a result"_q.arg(quoted(id)));
+                throw fields.in("id").refusal("%1 is not a config or a result"_q.arg(quoted(id)));
             }
             if (fields.find("status") != nullptr) {
                 change.status = fields.integer("status", 0);
@@ -277,30 +271,29 @@ private:
         };
         Signal signal { fields.name("signal"), {} };
         if (!members.contains(signal.member)) {
-            throw fields.refusal("signal",
-                                 "%1 is not a signal to send; signals are %2"_q.arg(
-                                     quoted(signal.member), members.join(", "_q)));
+            throw fields.in("signal").refusal("%1 is not a signal to send; signals are %2"_q.arg(
+                quoted(signal.member), members.join(", "_q)));
         }
         signal.arguments.append(fields.text("message"));
         if (signal.member == withData) {
             const QString typeName = fields.name("type");
             if (typeName != "double[]"_q && typeName != "uint32[]"_q) {
-                throw fields.refusal("type",
-                                     "%1 is neither double[] nor uint32[]"_q.arg(quoted(typeName)));
+                throw fields.in("type").refusal(
+                    "%1 is neither double[] nor uint32[]"_q.arg(quoted(typeName)));
             }
             signal.arguments.append(fields.value("data", *typeNamed(typeName)));
         }
         return signal;
     }
 
-    static QStringList readNames(Fields &top, const char *key, bool (*isName)(const QString &),
+    static QStringList readNames(Fields &top, const char *key, const QRegularExpression &form,
                                  const char *formInWords)
     {
         QStringList names;
         QSet<QString> known;
         top.elements(key, [&](const Json &each, const Place &at) {
             const QString name = each.is_string() ? textOf(each) : QString();
-            if (!isName(name)) {
+            if (!form.match(name).hasMatch()) {
                 throw at.refusal("is not %1"_q.arg(QLatin1String(formInWords)));
             }
             if (known.contains(name)) {
@@ -318,17 +311,8 @@ private:
 
 } // namespace
 
-bool isLogName(const QString &name)
-{
-    static const QRegularExpression form("\\A[^\\s[:cntrl:]:]+\\z"_q);
-    return form.match(name).hasMatch();
-}
-
-bool isDebugLogName(const QString &name)
-{
-    static const QRegularExpression form("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z"_q);
-    return form.match(name).hasMatch();
-}
+const QRegularExpression logName("\\A[^\\s[:cntrl:]:]+\\z"_q);
+const QRegularExpression debugLogName("\\ALOG_[^\\s[:cntrl:]:,a-z]+\\z"_q);
 
 Catalog readCatalog(const QByteArray &text, const QString &intro)
 {
@@ -356,11 +340,10 @@ QByteArray writeConfigs(const Items &items)
 {
     constexpr int indentation = 4;
     Json configs = Json::object();
-    for (int index = 0; index < items.count(); ++index) {
+    const QVector<int> indexes = items.find(items.ids(ItemKind::Config));
+    for (const int index : indexes) {
         const Item &item = items.at(index);
-        if (item.kind == ItemKind::Config) {
-            configs[item.id.toStdString()] = item.type->toJson(item.value);
-        }
+        configs[item.id.toStdString()] = item.type->toJson(item.value);
     }
     const Json saved { { "format", 1 }, { "configs", std::move(configs) } };
     return QByteArray::fromStdString(saved.dump(indentation)) + '\n';
@@ -371,7 +354,7 @@ QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, cons
     const Json json = parseJson(text, place);
     Fields top(json, place);
     if (top.need("format") != Json(1)) {
-        throw top.refusal("format", "is not 1"_q);
+        throw top.in("format").refusal("is not 1"_q);
     }
     const Json &configs = top.need("configs");
     needKind(configs.is_object(), configs, "an object", top.in("configs"));

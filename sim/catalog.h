@@ -5,6 +5,8 @@
 
 #include "sim/items.h"
 
+#include <QRegularExpression>
+
 /// The contents of a catalogue.
 struct Catalog {
     QVector<Item> items; ///< configs before results
@@ -22,10 +24,10 @@ Catalog loadCatalog(const QString &fileName);
 /// express, or the service refuses, is left out with a line on standard error.
 QByteArray captureCatalog(const QString &service, const QString &path);
 
-/// Whether a log can have this name: LogGetIds joins them by blanks.
-bool isLogName(const QString &name);
-/// Whether a debug log can have this name: its commands separate them by commas.
-bool isDebugLogName(const QString &name);
+/// The names that logs can have: LogGetIds joins them by blanks.
+extern const QRegularExpression logName;
+/// The names that debug logs can have: their commands separate them by commas.
+extern const QRegularExpression debugLogName;
 
 /// A file that is built into the program, such as `catalog.json`.
 QByteArray builtIn(const QString &name);

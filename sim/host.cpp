@@ -2,7 +2,6 @@
 #include "sim/host.h"
 
 #include "bus/connection.h"
-#include "sim/catalog.h"
 #include "sim/service.h"
 
 #include <QDBusConnectionInterface>

@@ -41,7 +41,6 @@ class Items : public QObject
 public:
     Items(QVector<Item> catalogue, Log &logOfChanges, Announcer &announcerOfUpdates);
 
-    int count() const { return all.size(); }
     const Item &at(int index) const { return all.at(index); }
     /// The item's index, or -1.
     int indexOf(const QString &id) const { return indexes.value(id, -1); }

@@ -107,12 +107,8 @@ const Service::Method Service::methods[] = {
     { "LogStartNotify", "s", [](Self s, In a, Out) { s.log.announce(text(a), true); } },
     { "LogStopNotify", "s", [](Self s, In a, Out) { s.log.announce(text(a), false); } },
     { "SaveConfig", "s", [](Self s, In a, Out out) { out = { s.saveConfig(text(a)) }; } },
-    { "SetValue", "a(sv)",
-      [](Self s, In a, Out) { s.set(qdbus_cast<QList<IdValueStruct>>(a.at(0))); } },
-    { "SetValue", "sv",
-      [](Self s, In a, Out) {
-          s.set({ { text(a), inner(a) } });
-      } },
+    { "SetValue", "a(sv)", [](Self s, In a, Out) { s.set(a); } },
+    { "SetValue", "sv", [](Self s, In a, Out) { s.set(a); } },
     { "StartConfigNotify", "", [](Self s, In, Out) { s.items.start(ItemKind::Config); } },
     { "StartResultNotify", "", [](Self s, In, Out) { s.items.start(ItemKind::Result); } },
     { "StopConfigNotify", "", [](Self s, In, Out) { s.items.stop(ItemKind::Config); } },
@@ -275,8 +271,11 @@ template <typename Told> QVariantList Service::read(const QVariantList &argument
     return { isList ? QVariant::fromValue(told) : QVariant::fromValue(told.first()) };
 }
 
-void Service::set(const QList<IdValueStruct> &wanted)
+void Service::set(const QVariantList &arguments)
 {
+    const QList<IdValueStruct> wanted = arguments.size() == 1
+        ? qdbus_cast<QList<IdValueStruct>>(arguments.at(0))
+        : QList<IdValueStruct> { { text(arguments), inner(arguments) } };
     QVector<Assignment> assignments;
     for (const IdValueStruct &each : wanted) {
         const int index = items.find({ each.id }).first();

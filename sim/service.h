@@ -9,8 +9,6 @@
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
 
-struct IdValueStruct;
-
 /// The simulated service.
 class Service : public QDBusVirtualObject
 {
@@ -47,7 +45,8 @@ private:
     /// The answer to a call that reads items: a list of what it asks for, or of one identifier just
     /// that. All items are noted, unless the answer would be too long.
     template <typename Told> QVariantList read(const QVariantList &arguments);
-    void set(const QList<IdValueStruct> &wanted);
+    /// Sets the items of a list, or the item whose identifier and value are the arguments.
+    void set(const QVariantList &arguments);
     void serverCommand(const QString &word, const QVariant &value);
     // They return true, as the interface wants it: what cannot be done is thrown.
     bool saveConfig(const QString &name);

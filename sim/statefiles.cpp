@@ -58,15 +58,12 @@ QByteArray readFile(const QString &path, const QString &excess, const Place &pla
 
 QString StateFiles::defaultDirectory()
 {
-    using Row = std::pair<const char *, const char *>;
-    for (const auto &[variable, under] :
-         { Row("XDG_STATE_HOME", "/movra-sim"), Row("HOME", "/.local/state/movra-sim") }) {
-        const QString path = QFile::decodeName(qgetenv(variable));
-        if (path.startsWith(QLatin1Char('/'))) {
-            return path + QLatin1String(under);
-        }
+    const QString state = QFile::decodeName(qgetenv("XDG_STATE_HOME"));
+    const QString home = QFile::decodeName(qgetenv("HOME"));
+    if (state.startsWith(QLatin1Char('/'))) {
+        return state + "/movra-sim"_q;
     }
-    return {};
+    return home.startsWith(QLatin1Char('/')) ? home + "/.local/state/movra-sim"_q : QString();
 }
 
 void StateFiles::prepare(const Place &place)
