@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sim/catalog.h"
 
-#include "sim/statefiles.h"
-
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>

@@ -2,7 +2,6 @@
 // movra-sim: a simulated application service for demonstrations, scripts and writers of services.
 #include "sim/catalog.h"
 #include "sim/host.h"
-#include "sim/options.h"
 
 #include <clocale>
 #include <cstdio>

@@ -6,7 +6,6 @@
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QRegularExpression>
 
 #include <iterator>
 

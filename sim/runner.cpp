@@ -43,8 +43,7 @@ public:
         const timespec limit { seconds, 0 };
         int number = -1;
         do {
-            number = seconds == 0 ? ::sigwaitinfo(&awaited, nullptr)
-                                  : ::sigtimedwait(&awaited, nullptr, &limit);
+            number = ::sigtimedwait(&awaited, nullptr, seconds == 0 ? nullptr : &limit);
         } while (number < 0 && errno == EINTR);
         return number;
     }

@@ -102,8 +102,7 @@ const Service::Method Service::methods[] = {
     { "ListResultIds", "", [](Self s, In, Out out) { out = { s.items.ids(ItemKind::Result) }; } },
     { "LoadConfig", "s", [](Self s, In a, Out out) { out = { s.loadConfig(text(a)) }; } },
     { "LogClear", "s", [](Self s, In a, Out) { s.log.check(text(a)); } },
-    { "LogGetIds", "",
-      [](Self s, In, Out out) { out = { s.catalog.logs.join(QLatin1Char(' ')) }; } },
+    { "LogGetIds", "", [](Self s, In, Out out) { out = { s.catalog.logs.join(" "_q) }; } },
     { "LogStartNotify", "s", [](Self s, In a, Out) { s.log.announce(text(a), true); } },
     { "LogStopNotify", "s", [](Self s, In a, Out) { s.log.announce(text(a), false); } },
     { "SaveConfig", "s", [](Self s, In a, Out out) { out = { s.saveConfig(text(a)) }; } },
@@ -134,16 +133,6 @@ bool Service::hasMember(const QString &name)
                        [&name](const Method &each) { return name == QLatin1String(each.member); });
 }
 
-const Service::Method *Service::find(const QDBusMessage &message)
-{
-    const auto *row =
-        std::find_if(std::begin(methods), std::end(methods), [&message](const Method &each) {
-            return message.member() == QLatin1String(each.member)
-                && message.signature() == QLatin1String(each.signature);
-        });
-    return row == std::end(methods) ? nullptr : row;
-}
-
 QString Service::introspect(const QString & /*path*/) const
 {
     return {};
@@ -156,14 +145,19 @@ bool Service::handleMessage(const QDBusMessage &message, const QDBusConnection &
         connection.send(message.createReply(QString::fromUtf8(builtIn("varn.pim.xml"_q))));
         return true;
     }
-    const Method *method = find(message);
-    if (wanted.isEmpty() ? method == nullptr : wanted != "varn.pim"_q) {
+    const auto *method =
+        std::find_if(std::begin(methods), std::end(methods), [&message](const Method &each) {
+            return message.member() == QLatin1String(each.member)
+                && message.signature() == QLatin1String(each.signature);
+        });
+    const bool isKnown = method != std::end(methods);
+    if (wanted.isEmpty() ? !isKnown : wanted != "varn.pim"_q) {
         return false;
     }
     if (vanished) {
         return true;
     }
-    if (method == nullptr) {
+    if (!isKnown) {
         // Qt would call the whole interface unknown.
         const QString sentence =
             "No such method '%1' in interface 'varn.pim' at object path '%2' "

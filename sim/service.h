@@ -33,7 +33,6 @@ public:
 private:
     struct Method;
     static const Method methods[];
-    static const Method *find(const QDBusMessage &message);
 
     void answer(const Method &method, const QDBusMessage &call);
     /// The fault for a call, which counts it; null: none. Of several faults, one for a member comes

@@ -102,8 +102,8 @@ QString StateFiles::pathOf(const QString &name) const
 Place StateFiles::check(const char *verb, const QString &name) const
 {
     checkName(name);
-    Place place { "File"_q, {}, {}, "."_q };
-    place.path = "Cannot %1 %2"_q.arg(QLatin1String(verb), quoted(pathOf(name)));
+    const QString path = quoted(pathOf(name));
+    Place place { "File"_q, {}, "Cannot %1 %2"_q.arg(QLatin1String(verb), path), "."_q };
     if (directory.isEmpty()) {
         throw place.refusal("neither XDG_STATE_HOME nor HOME says where"_q);
     }
