@@ -183,8 +183,6 @@ public:
     }
 
 private:
-    static constexpr int longestDuration = 3600000;
-
     QString readId(Fields &fields)
     {
         QString id = fields.name("id");
@@ -215,7 +213,7 @@ private:
         Action action;
         action.id = readId(fields);
         action.reply = fields.text("reply", "started"_q);
-        action.duration = fields.integer("duration", 0, 0, longestDuration);
+        action.duration = fields.integer("duration", 0, 0, longestTime);
         if (fields.find("drive") != nullptr) {
             const QString id = fields.name("drive");
             action.drivenItem = indexes.value(id, -1);
@@ -237,11 +235,11 @@ private:
     void readMoment(Fields &fields)
     {
         Moment moment;
-        moment.every = fields.integer("every", 0, 1, longestDuration);
+        moment.every = fields.integer("every", 0, 1, longestTime);
         if (moment.every == 0) {
             fields.need("at");
         }
-        moment.at = fields.integer("at", moment.every, 0, longestDuration);
+        moment.at = fields.integer("at", moment.every, 0, longestTime);
         if (fields.find("id") == nullptr) {
             moment.signal = readSignal(fields);
         } else {

@@ -48,8 +48,7 @@ void Items::assign(const QVector<Assignment> &assignments, const QString &before
         Item &item = all[assignment.index];
         const QVariant value = assignment.value.isValid() ? assignment.value : item.value;
         if (assignment.value.isValid()) {
-            const QString text = item.type->toText(value);
-            log.record(LogLevel::Info, item.id, before + shown(text) + after);
+            log.record(LogLevel::Info, item.id, before + shown(item.type->toText(value)) + after);
         }
         if (assignment.status) {
             log.record(LogLevel::Info, item.id, "has status %1"_q.arg(*assignment.status));

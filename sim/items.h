@@ -15,6 +15,9 @@
 #include <optional>
 #include <set>
 
+/// The longest duration, interval or delay that can be asked for, in milliseconds.
+constexpr int longestTime = 3600000;
+
 /// Clients can set configs. Only actions and the timeline change results.
 enum class ItemKind { Config, Result };
 

@@ -160,9 +160,8 @@ void Announcer::record(const QDBusMessage &message, const QDBusMessage *answer)
 void Announcer::checkRecord() const
 {
     if (!problem.isEmpty()) {
-        throw Refusal {
-            "Record"_q, "the log %1 cannot be written: %2"_q.arg(quoted(file.fileName()), problem)
-        };
+        const QString name = quoted(file.fileName());
+        throw Refusal { "Record"_q, "the log %1 cannot be written: %2"_q.arg(name, problem) };
     }
 }
 

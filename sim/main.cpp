@@ -6,7 +6,6 @@
 #include <clocale>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -42,8 +41,9 @@ int run(int count, char **words)
     char **const separator =
         std::find_if(words, end, [](const char *word) { return std::strcmp(word, "--") == 0; });
     QStringList arguments;
-    std::transform(words, separator, std::back_inserter(arguments),
-                   [](const char *word) { return QString::fromLocal8Bit(word); });
+    for (char **word = words; word != separator; ++word) {
+        arguments.append(QString::fromLocal8Bit(*word));
+    }
     Options options = parseOptions(arguments);
     options.command = separator == end ? nullptr : separator + 1;
     switch (options.task) {

@@ -62,13 +62,12 @@ Fault readFault(const QString &text)
             throw notValid("%1 is not the name of a bus error"_q.arg(quoted(fault.error)));
         }
     } else if (word == "delay"_q && !value.isNull()) {
-        constexpr int longestDelay = 3600000;
         bool isNumber = false;
         fault.kind = Fault::Kind::Delay;
         fault.delay = value.toInt(&isNumber);
-        if (!isNumber || fault.delay < 0 || fault.delay > longestDelay) {
-            throw notValid("%1 is not in 0 to %2 milliseconds"_q.arg(
-                quoted(value), QString::number(longestDelay)));
+        if (!isNumber || fault.delay < 0 || fault.delay > longestTime) {
+            throw notValid("%1 is not in 0 to %2 milliseconds"_q.arg(quoted(value),
+                                                                     QString::number(longestTime)));
         }
     } else {
         throw notValid(

@@ -63,19 +63,15 @@ public:
     /// for its parent.
     Process(const Signals &signals, Session session, const std::function<int(QFile &)> &task)
     {
-        QFile writer;
         std::array<int, 2> ends {};
-        const QIODevice::OpenMode unbuffered = QIODevice::Unbuffered;
-        if (::pipe2(ends.data(), O_CLOEXEC) != 0
-            || !output.open(ends[0], QIODevice::ReadOnly | unbuffered, QFile::AutoCloseHandle)
-            || !writer.open(ends[1], QIODevice::WriteOnly | unbuffered, QFile::AutoCloseHandle)) {
-            failWith(qt_error_string(errno));
-        }
         const pid_t parent = ::getpid();
-        pid = ::fork();
+        pid = ::pipe2(ends.data(), O_CLOEXEC) == 0 ? ::fork() : -1;
         if (pid < 0) {
             failWith(qt_error_string(errno));
         }
+        QFile writer;
+        output.open(ends[0], QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle);
+        writer.open(ends[1], QIODevice::WriteOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle);
         if (pid == 0) {
             signals.release();
             if (session == Session::Own) {
@@ -189,10 +185,9 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
         return carryOut([&]() -> int {
             ::execvp(options.command[0], options.command);
             const int error = errno;
+            const QString name = quoted(QFile::decodeName(options.command[0]));
             throw Refusal { error == ENOENT ? "NotFound"_q : "NotRunnable"_q,
-                            "%1 cannot be run: %2"_q.arg(
-                                quoted(QFile::decodeName(options.command[0])),
-                                qt_error_string(error)) };
+                            "%1 cannot be run: %2"_q.arg(name, qt_error_string(error)) };
         });
     });
     bool isLeaving = false;

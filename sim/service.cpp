@@ -28,18 +28,6 @@ template <typename Told> Told tell(const Item &item)
     }
 }
 
-/// The identifiers in the first argument of a call.
-QStringList namedIn(const QVariant &argument)
-{
-    QStringList ids = argument.toStringList();
-    if (argument.userType() == qMetaTypeId<QDBusArgument>()) {
-        for (const IdValueStruct &each : qdbus_cast<QList<IdValueStruct>>(argument)) {
-            ids.append(each.id);
-        }
-    }
-    return ids;
-}
-
 QDBusMessage errorReply(const QDBusMessage &call, const Refusal &refusal)
 {
     const QString name =
@@ -56,10 +44,18 @@ QString text(In arguments, int index = 0)
     return arguments.at(index).toString();
 }
 
-/// One identifier is a list of one wherever a list is expected: QVariant converts it.
-QStringList texts(In arguments)
+/// The identifiers in the first argument: a single one, a list, or a list with values.
+QStringList idsIn(In arguments)
 {
-    return arguments.at(0).toStringList();
+    const QVariant first = arguments.value(0);
+    // QVariant makes a list of a single one.
+    QStringList ids = first.toStringList();
+    if (first.userType() == qMetaTypeId<QDBusArgument>()) {
+        for (const IdValueStruct &each : qdbus_cast<QList<IdValueStruct>>(first)) {
+            ids.append(each.id);
+        }
+    }
+    return ids;
 }
 
 /// What the variant of the second argument holds.
@@ -78,16 +74,16 @@ struct Service::Method {
 };
 
 const Service::Method Service::methods[] = {
-    { "AddToNotifyList", "as", [](Self s, In a, Out) { s.items.listen(texts(a)); } },
-    { "AddToNotifyList", "s", [](Self s, In a, Out) { s.items.listen(texts(a)); } },
+    { "AddToNotifyList", "as", [](Self s, In a, Out) { s.items.listen(idsIn(a)); } },
+    { "AddToNotifyList", "s", [](Self s, In a, Out) { s.items.listen(idsIn(a)); } },
     { "ClearConfigNotifyList", "", [](Self s, In, Out) { s.items.ignoreAll(ItemKind::Config); } },
     { "ClearResultNotifyList", "", [](Self s, In, Out) { s.items.ignoreAll(ItemKind::Result); } },
     { "DbgLogCmd", "ss", [](Self s, In a, Out) { s.log.command(text(a), text(a, 1)); } },
     { "DbgLogGetIds", "", [](Self s, In, Out out) { out = { s.catalog.debugLogs }; } },
     { "DBusServerCmd", "sv", [](Self s, In a, Out) { s.serverCommand(text(a), inner(a)); } },
     { "DBusServerStatus", "", [](Self s, In, Out out) { out = { s.changes.runningCount() }; } },
-    { "DeleteFromNotifyList", "as", [](Self s, In a, Out) { s.items.ignore(texts(a)); } },
-    { "DeleteFromNotifyList", "s", [](Self s, In a, Out) { s.items.ignore(texts(a)); } },
+    { "DeleteFromNotifyList", "as", [](Self s, In a, Out) { s.items.ignore(idsIn(a)); } },
+    { "DeleteFromNotifyList", "s", [](Self s, In a, Out) { s.items.ignore(idsIn(a)); } },
     { "DoAction", "ss",
       [](Self s, In a, Out out) { out = { s.changes.startAction(text(a), text(a, 1)) }; } },
     { "DoAction", "s", [](Self s, In a, Out) { s.changes.startAction(text(a), {}); } },
@@ -192,7 +188,7 @@ void Service::answer(const Method &method, const QDBusMessage &call)
 const Fault *Service::faultFor(const QDBusMessage &call)
 {
     const Fault *found = nullptr;
-    const QStringList ids = namedIn(call.arguments().value(0));
+    const QStringList ids = idsIn(call.arguments());
     const auto rank = [](const Fault &fault) {
         return std::make_tuple(!fault.member.isNull(), !fault.id.isNull(), fault.only != 0);
     };
@@ -245,7 +241,7 @@ template <typename Told> QVariantList Service::read(const QVariantList &argument
     constexpr qint64 mostBytes = 67108864;
     constexpr qint64 mostBytesOfFrame = 40;
     constexpr qint64 mostBytesOfUnit = 3;
-    const QVector<int> indexes = items.find(texts(arguments));
+    const QVector<int> indexes = items.find(idsIn(arguments));
     QList<Told> told;
     qint64 bytes = 0;
     for (const int index : indexes) {
@@ -294,7 +290,6 @@ void Service::set(const QVariantList &arguments)
 
 void Service::serverCommand(const QString &word, const QVariant &value)
 {
-    constexpr int longestPace = 3600000;
     const bool forConfigs = word == "SET_CFG_NOTIFY_TIMER"_q;
     if (!forConfigs && word != "SET_RES_NOTIFY_TIMER"_q) {
         throw Refusal { "UnknownCommand"_q, "There is no command %1."_q.arg(quoted(word)) };
@@ -302,9 +297,9 @@ void Service::serverCommand(const QString &word, const QVariant &value)
     if (value.userType() != QMetaType::Int) {
         throw badValue("%1 takes a number of milliseconds of D-Bus type \"i\"."_q.arg(word));
     }
-    if (value.toInt() < 0 || value.toInt() > longestPace) {
+    if (value.toInt() < 0 || value.toInt() > longestTime) {
         throw badValue("%1 takes 0 to %2 milliseconds, not %3."_q.arg(word)
-                           .arg(longestPace)
+                           .arg(longestTime)
                            .arg(value.toInt()));
     }
     items.setPace(forConfigs ? ItemKind::Config : ItemKind::Result, value.toInt());
