@@ -1,6 +1,7 @@
 # The compiler options of this project. Every target links movra_options.
 
 option(MOVRA_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+option(MOVRA_SINGLE_FILE "Link programs that need no shared library, not even libc" OFF)
 
 add_library(movra_options INTERFACE)
 target_compile_features(movra_options INTERFACE cxx_std_17)
@@ -22,4 +23,14 @@ if(MOVRA_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(movra_options INTERFACE -fsanitize=address,undefined)
   target_compile_definitions(movra_options INTERFACE MOVRA_SANITIZED)
+endif()
+
+if(MOVRA_SINGLE_FILE)
+  target_compile_options(movra_options INTERFACE -fPIE -ffunction-sections -fdata-sections)
+  target_link_options(movra_options INTERFACE
+    -static-pie -s -Wl,--gc-sections
+    # For bus/singlefile.cpp. The linker takes it from its library although only Qt calls it.
+    -Wl,--wrap=setlocale -Wl,--undefined=__wrap_setlocale
+    # The linker would warn of the look-ups of users and hosts in libc, which that file limits.
+    -Wl,--no-warnings)
 endif()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // One run of each form of a request, and a monitor, under valgrind's memcheck: no invalid access,
-// no uninitialized value, no definite leak.
+// no uninitialized value, no definite leak. Not for the single files: memcheck replaces functions
+// of a shared libc.
 #include "tests/endurance/numberedsignals.h"
 #include "tests/support/commandforms.h"
 #include "tests/support/listening.h"
