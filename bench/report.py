@@ -151,8 +151,8 @@ def machine():
          "libglib2.0-bin", "systemd", "qdbus-qt5", "dbus-bin"],
         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=False).stdout
     return (f"{os.cpu_count()} processors ({processor}), Linux {platform.release()};"
-            f" {', '.join(packages.splitlines())}. Load of the last quarter of an hour, this run"
-            f" included: {os.getloadavg()[2]:.1f}.")
+            f" {', '.join(packages.splitlines())}. Load of the last five minutes of this run:"
+            f" {os.getloadavg()[1]:.1f}.")
 
 
 def text_of(results):
