@@ -1,33 +1,44 @@
 // SPDX-License-Identifier: MIT
-// Only in the single files, which contain libc: where they differ from the shared libc.
-#include <clocale>
-
+// Only in the single files, which contain libc. The linker's option --wrap directs calls of
+// libc's functions to this file.
+#include <netdb.h>
 #include <nss.h>
+#include <pwd.h>
 
 namespace
 {
 
 /// Users and hosts are looked up in the system's files and by DNS. For other sources that
 /// nsswitch.conf names, libc would load libraries, which need the version of libc that they were
-/// built with. This happens before main(), so no look-up can be earlier.
-[[maybe_unused]] const bool areLookupsLimited = __nss_configure_lookup("passwd", "files") == 0
-    && __nss_configure_lookup("hosts", "files dns") == 0;
+/// built with.
+void limitLookups()
+{
+    // Not at the start of the program: libc then reads nsswitch.conf, which few runs need.
+    [[maybe_unused]] static const bool areLimited = __nss_configure_lookup("passwd", "files") == 0
+        && __nss_configure_lookup("hosts", "files dns") == 0;
+}
 
 } // namespace
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the linker's option --wrap defines these names.
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's option defines these names.
 
-extern "C" char *__real_setlocale(int category, const char *locale);
+extern "C" {
 
-/// Replaces the setlocale() that QCoreApplication calls. Nothing in the programs depends on the
-/// other ten categories, and each of them takes five system calls.
-extern "C" char *__wrap_setlocale(int category, const char *locale)
+decltype(getaddrinfo) __real_getaddrinfo;
+decltype(getpwuid_r) __real_getpwuid_r;
+
+int __wrap_getaddrinfo(const char *host, const char *service, const addrinfo *hints,
+                       addrinfo **result)
 {
-    if (category == LC_ALL) {
-        __real_setlocale(LC_MESSAGES, locale);
-        category = LC_CTYPE;
-    }
-    return __real_setlocale(category, locale);
+    limitLookups();
+    return __real_getaddrinfo(host, service, hints, result);
+}
+
+int __wrap_getpwuid_r(uid_t user, passwd *entry, char *buffer, size_t size, passwd **result)
+{
+    limitLookups();
+    return __real_getpwuid_r(user, entry, buffer, size, result);
+}
 }
 
 // NOLINTEND(bugprone-reserved-identifier)
