@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Only in the single files, which contain libc. The linker's option --wrap directs calls of
-// libc's functions to this file.
+// Only in the single files, which contain libc and a Qt without ICU. The linker's option --wrap
+// directs calls of libc's functions by Qt and libdbus to this file.
+#include <cstring>
+
+#include <langinfo.h>
 #include <netdb.h>
 #include <nss.h>
 #include <pwd.h>
@@ -26,6 +29,7 @@ extern "C" {
 
 decltype(getaddrinfo) __real_getaddrinfo;
 decltype(getpwuid_r) __real_getpwuid_r;
+decltype(nl_langinfo) __real_nl_langinfo;
 
 int __wrap_getaddrinfo(const char *host, const char *service, const addrinfo *hints,
                        addrinfo **result)
@@ -38,6 +42,14 @@ int __wrap_getpwuid_r(uid_t user, passwd *entry, char *buffer, size_t size, pass
 {
     limitLookups();
     return __real_getpwuid_r(user, entry, buffer, size, result);
+}
+
+/// The encoding of the C locale is UTF-8, as in a Qt with ICU. Qt would take Latin-1.
+char *__wrap_nl_langinfo(nl_item item)
+{
+    static char utf8[] = "UTF-8";
+    char *const text = __real_nl_langinfo(item);
+    return std::strcmp(text, "ANSI_X3.4-1968") == 0 ? utf8 : text;
 }
 }
 
