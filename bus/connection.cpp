@@ -115,8 +115,15 @@ QSemaphore tickets(8);
 std::mutex flowMutex; // guards the one below
 QObject *ticketReceiver = nullptr; // set while flow control is on
 
-/// The bytes of a signal's texts and arrays of numbers. The proxy's signals have no other
-/// arguments.
+bool isOfNumbers(DBusMessageIter &array)
+{
+    const int element = dbus_message_iter_get_element_type(&array);
+    // libdbus does not return an array of file descriptors as a whole.
+    return dbus_type_is_fixed(element) != FALSE && element != DBUS_TYPE_UNIX_FD;
+}
+
+/// An estimate of a signal's bytes: its texts, and 8 for each element of an array of numbers. Any
+/// signal of any sender may come here; other arguments are not counted.
 std::size_t sizeOf(DBusMessage *signal)
 {
     std::size_t size = 0;
@@ -130,8 +137,7 @@ std::size_t sizeOf(DBusMessage *signal)
             const char *text = nullptr;
             dbus_message_iter_get_basic(&argument, &text);
             size += std::strlen(text);
-        } else if (type == DBUS_TYPE_ARRAY
-                   && dbus_type_is_fixed(dbus_message_iter_get_element_type(&argument)) != FALSE) {
+        } else if (type == DBUS_TYPE_ARRAY && isOfNumbers(argument)) {
             DBusMessageIter elements;
             dbus_message_iter_recurse(&argument, &elements);
             const void *first = nullptr;

@@ -31,8 +31,8 @@ void outliveBus();
 /// Qt D-Bus could not send: it fails before the end of the bus is noticed.
 void endIfBusEnded();
 
-/// While this object exists, about 8,000 signals or 2 MiB at most are queued for the main thread.
-/// Further signals stay in the bus.
+/// While this object exists, about 9,000 signals or 2.25 MiB at most are queued for the main
+/// thread. Further signals stay in the bus.
 ///
 /// Qt D-Bus's thread counts the signals that it queues for the main thread. After every 1000th, or
 /// 256 KiB, it acquires one of 8 tickets. The main thread releases the ticket when it has handled

@@ -309,16 +309,23 @@ QByteArrayList FakeService::waitForCalls(int count)
 void FakeService::emitSignal(const QByteArray &member, const QByteArray &body,
                              const QByteArray &path, const QByteArray &interface, After after)
 {
-    GError *error = nullptr;
-    const Value arguments(parse(body));
-    if (g_dbus_connection_emit_signal(d->connection, nullptr, path.constData(),
-                                      interface.constData(), member.constData(), arguments.get(),
-                                      &error)
-        == FALSE) {
-        fail(member.constData(), error);
-    }
+    emitSignalTo({}, member, body, path, interface);
     if (after == After::Wait) {
         waitUntilSent();
+    }
+}
+
+void FakeService::emitSignalTo(const QByteArray &destination, const QByteArray &member,
+                               const QByteArray &body, const QByteArray &path,
+                               const QByteArray &interface)
+{
+    GError *error = nullptr;
+    const Value arguments(parse(body));
+    if (g_dbus_connection_emit_signal(
+            d->connection, destination.isEmpty() ? nullptr : destination.constData(),
+            path.constData(), interface.constData(), member.constData(), arguments.get(), &error)
+        == FALSE) {
+        fail(member.constData(), error);
     }
 }
 
@@ -335,6 +342,15 @@ QByteArrayList FakeService::matchRules(const QByteArray &service) const
         texts.append(rule.text);
     }
     return texts;
+}
+
+QByteArrayList FakeService::listeners(const QByteArray &service) const
+{
+    QByteArrayList names;
+    for (const Private::Rule &rule : d->rulesFor(service)) {
+        names.append(rule.holder);
+    }
+    return names;
 }
 
 bool FakeService::waitUntilTaken(const QByteArray &service) const

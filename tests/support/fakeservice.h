@@ -55,11 +55,17 @@ public:
     /// signals follow.
     void emitSignal(const QByteArray &member, const QByteArray &body, const QByteArray &path = "/",
                     const QByteArray &interface = "varn.pim", After after = After::Wait);
+    /// Sends a signal to the connection of this unique name; to all if it is empty.
+    void emitSignalTo(const QByteArray &destination, const QByteArray &member,
+                      const QByteArray &body, const QByteArray &path = "/",
+                      const QByteArray &interface = "varn.pim");
     /// Waits until the bus has all that was emitted.
     void waitUntilSent() const;
 
     /// The match rules of all connections for signals of a service (by its name).
     QByteArrayList matchRules(const QByteArray &service) const;
+    /// The unique names of the connections that have these rules, one for each rule.
+    QByteArrayList listeners(const QByteArray &service) const;
     /// Waits until every connection with such a rule has read all earlier signals from the bus;
     /// false if one of them does not answer before `patience` is over.
     bool waitUntilTaken(const QByteArray &service) const;
