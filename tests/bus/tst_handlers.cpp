@@ -39,6 +39,7 @@ private Q_SLOTS:
     void initTestCase();
     void cleanup();
     void failedCallsAreRecorded();
+    void answeredCallsRecordNothing();
     void sigConnectsInOrder();
     void theLogBranch_data();
     void theLogBranch();
@@ -70,6 +71,19 @@ void tst_Handlers::failedCallsAreRecorded()
         const bool records = form.failed.contains("err=");
         QCOMPARE(movra.lastErrorText, records ? QString() : QStringLiteral("older"));
         // Calls without a wait must arrive before the next form is tried, too.
+        QCOMPARE(service->waitForCalls(1), QByteArrayList { form.call });
+    }
+}
+
+void tst_Handlers::answeredCallsRecordNothing()
+{
+    OpenMovra movra;
+    QVERIFY(movra.connectToService("com.varn.tul", "/"));
+    for (const CommandForm &form : commandForms()) {
+        service->answer(form.member, form.answer);
+        movra.lastErrorText = QStringLiteral("older");
+        QCOMPARE(callHandler(movra, requestOf(form)).out, form.out);
+        QCOMPARE(movra.lastErrorText, QStringLiteral("older"));
         QCOMPARE(service->waitForCalls(1), QByteArrayList { form.call });
     }
 }
