@@ -29,13 +29,13 @@ int main(int argc, char **argv)
     if (!client.connectToService(wordAt(argv, ServicePosition), wordAt(argv, PathPosition))) {
         return NotRun;
     }
-    // From here on the end of the bus means a failed call.
+    // From here on the end of the bus ends the process, without a line.
     endWithBus(NotRun);
 
     const std::string word = wordAt(argv, CommandPosition);
     const Command *const command = findCommand(word);
-    const Ending ending = command != nullptr ? command->ending : Ending::Answered;
-    if (ending == Ending::Listening) {
+    const bool listens = command != nullptr && command->listens;
+    if (listens) {
         // Qt D-Bus 5.15 asks for the owner of the service and waits for the reply even if the
         // connection has just been closed. libdbus would then abort the process.
         qputenv("DBUS_FATAL_WARNINGS", "0");
@@ -55,7 +55,7 @@ int main(int argc, char **argv)
         std::cout << "Error While Parsing Command -- use -h for help   err:" << status << std::endl;
     }
 
-    if (ending == Ending::Listening) {
+    if (listens) {
         const FlowControl flow;
         QCoreApplication::exec();
         return NotRun;
