@@ -35,7 +35,7 @@ char elementToRead(const QString &id, char onWire)
 void printArray(const QString &id, const QDBusArgument &value)
 {
     // A service may send anything. Reading an element as another type prints memory or ends the
-    // process, so only arrays of numbers are read.
+    // process, so only arrays of numbers and booleans are read.
     const char elementOnWire = value.currentSignature().at(1).toLatin1();
     switch (elementToRead(id, elementOnWire)) {
     case 'b':

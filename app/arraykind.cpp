@@ -8,7 +8,8 @@
 namespace
 {
 
-// Always decimal. A failed conversion gives 0 and is not reported.
+// Always decimal. A failed conversion gives 0, or infinity if a double is too great, and is not
+// reported.
 void convert(const QString &text, double &number)
 {
     number = text.toDouble();

@@ -13,7 +13,7 @@ struct ArrayKind {
     const char *word; ///< searched anywhere in the id, case-sensitively
     char element; ///< D-Bus type code of the elements
     /// Makes the kind's array: a std::vector of the element type, or a QStringList. Text that does
-    /// not convert becomes 0.
+    /// not convert becomes 0, and a double that is too great infinity.
     QVariant (*fromTexts)(const QStringList &texts);
 };
 

@@ -17,7 +17,7 @@ enum Position : int {
 /// Exit statuses; the numbers are part of the interface to scripts.
 enum Status : int {
     Success = 0, ///< most commands end with it also when the service refused the call
-    NotRun = 1, ///< usage text, failed connection, unknown command word
+    NotRun = 1, ///< usage text, failed connection, unknown command word, end of the bus
     NotSupported = 2, ///< mostly: a word or a value is not supported
     ArgumentMissing = 3, ///< mostly: a required argument is missing
 };

@@ -54,6 +54,6 @@ int Movra::listCommand(char **argv)
     if (word.startsWith(QLatin1String("LOG"))) {
         return printLogIds(answerTo(iface->LogGetIds()));
     }
-    // Other commands have another status for an unknown word.
+    // Most other commands have another status for an unknown word.
     return ArgumentMissing;
 }

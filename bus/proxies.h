@@ -26,7 +26,8 @@ class KorAppInterface : public QDBusAbstractInterface
 public:
     static const char *staticInterfaceName() { return "varn.pim"; }
 
-    /// Asks the bus for the owner of the service name. isValid() is true if there is one.
+    /// Asks the bus for the owner of the service name. isValid() is true if a well-known name has
+    /// one. It is always true for a unique name, and never for the bus's own name.
     KorAppInterface(const QString &service, const QString &path, const QDBusConnection &connection,
                     QObject *parent);
     ~KorAppInterface() override;
@@ -82,8 +83,8 @@ Q_SIGNALS:
     void SigUpdate(const QString &updateMsg);
 
 private:
-    /// The only place that builds a call. QVariant::fromValue keeps the type of structures and
-    /// variants. The plain QVariant constructor of Qt's own asyncCall() does not.
+    /// The only place that builds a call. Qt's own asyncCall() does not accept structures and
+    /// variants.
     template <typename... Args> QDBusPendingCall send(const char *member, const Args &...args)
     {
         return asyncCallWithArgumentList(QLatin1String(member),

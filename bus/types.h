@@ -20,7 +20,8 @@ struct IdValueStruct {
 
 /// Streams `(sv)`; a value of any type is sent as a variant.
 QDBusArgument &operator<<(QDBusArgument &out, const IdValueStruct &record);
-/// Reads `(sv)`; an array of numbers inside the variant stays an undecoded QDBusArgument.
+/// Reads `(sv)`; an array of numbers other than bytes inside the variant stays an undecoded
+/// QDBusArgument.
 const QDBusArgument &operator>>(const QDBusArgument &in, IdValueStruct &record);
 
 /// One item's id, value and status; D-Bus signature `(svi)`.
@@ -32,7 +33,8 @@ struct IdValueStatusStruct {
 
 /// Streams `(svi)`; a value of any type is sent as a variant.
 QDBusArgument &operator<<(QDBusArgument &out, const IdValueStatusStruct &record);
-/// Reads `(svi)`; an array of numbers inside the variant stays an undecoded QDBusArgument.
+/// Reads `(svi)`; an array of numbers other than bytes inside the variant stays an undecoded
+/// QDBusArgument.
 const QDBusArgument &operator>>(const QDBusArgument &in, IdValueStatusStruct &record);
 
 namespace busarray
