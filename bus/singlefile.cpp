@@ -11,13 +11,15 @@
 namespace
 {
 
-/// Users and hosts are looked up in the system's files and by DNS. For other sources that
-/// nsswitch.conf names, libc would load libraries, which need the version of libc that they were
-/// built with.
+/// Users, their groups and hosts are looked up in the system's files and by DNS. For other sources
+/// that nsswitch.conf names, libc would load libraries, which need the version of libc that they
+/// were built with.
 void limitLookups()
 {
     // Not at the start of the program: libc then reads nsswitch.conf, which few runs need.
     [[maybe_unused]] static const bool areLimited = __nss_configure_lookup("passwd", "files") == 0
+        && __nss_configure_lookup("group", "files") == 0
+        && __nss_configure_lookup("initgroups", "files") == 0
         && __nss_configure_lookup("hosts", "files dns") == 0;
 }
 

@@ -31,6 +31,6 @@ if(MOVRA_SINGLE_FILE)
     -static-pie -s -Wl,--gc-sections -Wl,-z,pack-relative-relocs
     # For bus/singlefile.cpp. The linker takes it from its library although only others call it.
     -Wl,--wrap=getaddrinfo,--wrap=getpwuid_r,--wrap=nl_langinfo,--undefined=__wrap_getaddrinfo
-    # The linker would warn of the look-ups of users and hosts in libc, which that file limits.
+    # The linker would warn of the look-ups of users, groups and hosts in libc, which that file limits.
     -Wl,--no-warnings)
 endif()
