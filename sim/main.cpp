@@ -3,6 +3,7 @@
 #include "sim/catalog.h"
 #include "sim/host.h"
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
@@ -13,10 +14,12 @@
 namespace
 {
 
-void print(std::FILE *stream, const QString &text)
+/// False if the text cannot be written.
+bool print(std::FILE *stream, const QByteArray &text)
 {
-    std::fputs(text.toLocal8Bit().constData(), stream);
-    std::fflush(stream);
+    return std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream)
+        == static_cast<std::size_t>(text.size())
+        && std::fflush(stream) == 0;
 }
 
 /// Carries out a task; a refusal becomes the last line, and its status that of the program.
@@ -30,9 +33,18 @@ int carryOut(const std::function<int()> &task)
     try {
         return task();
     } catch (const Refusal &refusal) {
-        print(stderr, "movra-sim: %1\n"_q.arg(refusal.sentence));
+        print(stderr, "movra-sim: %1\n"_q.arg(refusal.sentence).toLocal8Bit());
         return statuses.value(refusal.name, 1);
     }
+}
+
+/// Prints what was requested, and returns the exit status.
+int show(const QByteArray &text)
+{
+    if (!print(stdout, text)) {
+        throw Refusal { "Output"_q, "the output cannot be written: "_q + qt_error_string(errno) };
+    }
+    return 0;
 }
 
 int run(int count, char **words)
@@ -48,21 +60,17 @@ int run(int count, char **words)
     options.command = separator == end ? nullptr : separator + 1;
     switch (options.task) {
     case Options::Task::Print:
-        print(stdout, options.text);
-        return 0;
+        return show(options.text.toLocal8Bit());
     case Options::Task::Check:
         loadCatalog(options.catalogFile);
         return 0;
-    case Options::Task::Capture: {
-        const QByteArray text = captureCatalog(options.service, options.path);
-        std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
-        return std::fflush(stdout) == 0 ? 0 : 1;
-    }
+    case Options::Task::Capture:
+        return show(captureCatalog(options.service, options.path));
     case Options::Task::Serve:
         break;
     }
     if (options.command == nullptr) {
-        serve(options, [] { print(stdout, "ready\n"_q); });
+        serve(options, [] { print(stdout, "ready\n"); });
         return 0;
     }
     if (*options.command == nullptr) {

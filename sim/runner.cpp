@@ -29,6 +29,8 @@ class Signals
 public:
     Signals()
     {
+        // A process that ignores it cannot wait for another one.
+        childEnded = std::signal(SIGCHLD, SIG_DFL);
         sigemptyset(&awaited);
         for (const int number : { SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGCHLD }) {
             sigaddset(&awaited, number);
@@ -36,7 +38,11 @@ public:
         ::sigprocmask(SIG_BLOCK, &awaited, &before);
     }
     /// For a new process: its signals are those of the program's start.
-    void release() const { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
+    void release() const
+    {
+        std::signal(SIGCHLD, childEnded);
+        ::sigprocmask(SIG_SETMASK, &before, nullptr);
+    }
     /// The next signal; -1: the time is over. Without a limit (0) there is always one.
     int next(int seconds) const
     {
@@ -51,6 +57,7 @@ public:
 private:
     sigset_t awaited {};
     sigset_t before {};
+    void (*childEnded)(int);
 };
 
 /// Another process, which is told to end, and waited for, with this object.
@@ -121,15 +128,20 @@ std::unique_ptr<Process> startBus(const Signals &signals, const QTemporaryDir &d
 {
     QFile configuration(directory.filePath("bus.conf"_q));
     QFile log(directory.filePath("bus.log"_q));
-    if (!directory.isValid() || !configuration.open(QIODevice::WriteOnly)
-        || !log.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
-        failWith(directory.isValid() ? configuration.errorString() : directory.errorString());
+    if (!directory.isValid()) {
+        failWith(directory.errorString());
     }
-    configuration.write(builtIn("bus.conf"_q));
+    if (!log.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
+        failWith(log.errorString());
+    }
+    if (!configuration.open(QIODevice::WriteOnly) || configuration.write(builtIn("bus.conf"_q)) < 0
+        || !configuration.flush()) {
+        failWith(configuration.errorString());
+    }
     configuration.close();
     const QByteArray file = "--config-file=" + QFile::encodeName(configuration.fileName());
-    const QByteArray socket =
-        "--address=unix:path=" + QFile::encodeName(directory.filePath("bus"_q));
+    const QByteArray path = QFile::encodeName(directory.filePath("bus"_q));
+    const QByteArray socket = "--address=unix:path=" + path.toPercentEncoding("/", "~");
     auto daemon = std::make_unique<Process>(signals, Process::Session::Own, [&](QFile &output) {
         ::dup2(output.handle(), STDOUT_FILENO);
         ::dup2(log.handle(), STDERR_FILENO);
@@ -152,7 +164,9 @@ std::unique_ptr<Process> startBus(const Signals &signals, const QTemporaryDir &d
 int runCommand(Options options, int (*carryOut)(const std::function<int()> &task))
 {
     constexpr int patience = 5;
-    const QTemporaryDir directory(QDir::tempPath() + "/movra-sim-XXXXXX"_q);
+    // QDir::tempPath() is empty if the directory of TMPDIR does not exist.
+    const QString folder = QFile::decodeName(qgetenv("TMPDIR"));
+    const QTemporaryDir directory((folder.isEmpty() ? "/tmp"_q : folder) + "/movra-sim-XXXXXX"_q);
     const Signals signals;
     const std::unique_ptr<Process> daemon = startBus(signals, directory);
     if (!options.stateDirectory) {

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void cleanup();
     void theStatusIsThatOfTheCommand_data();
     void theStatusIsThatOfTheCommand();
+    void outputThatCannotBeWrittenIsAnError();
     void theCommandCallsTheService();
     void theOtherOptionsApplyToTheService();
     void argumentsArriveByteForByte();
@@ -60,7 +61,9 @@ private:
 
 void TestCommand::init()
 {
-    scratch = std::make_unique<QTemporaryDir>();
+    // The path of the private bus is part of its address.
+    scratch =
+        std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/it's ä, b;%20-XXXXXX"));
     // Only the simulator provides a session bus.
     environment = { "PATH=" MOVRA_PROGRAM_DIRECTORY ":" + qgetenv("PATH"),
                     "TMPDIR=" + QFile::encodeName(scratch->path()), "HOME=/nonexistent" };
@@ -93,6 +96,12 @@ void TestCommand::theStatusIsThatOfTheCommand_data()
     QTest::newRow("a command that cannot be run")
         << QByteArrayList { "--", "/dev/null" }
         << QByteArray("126||movra-sim: \"/dev/null\" cannot be run: Permission denied\n");
+    QTest::newRow("a directory for temporary files that does not exist")
+        << QByteArrayList { "--", "env", "TMPDIR=/nosuch", MOVRA_SIM_PROGRAM, "--", "true" }
+        << QByteArray("3||movra-sim: the private bus does not start: No such file or directory\n");
+    QTest::newRow("SIGCHLD is ignored")
+        << QByteArrayList { "--", "env", "--ignore-signal=CHLD", MOVRA_SIM_PROGRAM, "--", "true" }
+        << QByteArray("0||");
     QTest::newRow("no command") << QByteArrayList { "--" }
                                 << QByteArray("1||movra-sim: There is no command. See movra-sim "
                                               "--help.\n");
@@ -105,6 +114,15 @@ void TestCommand::theStatusIsThatOfTheCommand()
     QFETCH(QByteArrayList, arguments);
     QFETCH(QByteArray, expected);
     QCOMPARE(run(arguments), expected);
+}
+
+void TestCommand::outputThatCannotBeWrittenIsAnError()
+{
+    Program program(MOVRA_SIM_PROGRAM, { "--help" }, environment, Program::Output::Full);
+    QVERIFY(program.waitForEnd());
+    QCOMPARE(program.status, 1);
+    QCOMPARE(program.err,
+             QByteArray("movra-sim: the output cannot be written: No space left on device\n"));
 }
 
 void TestCommand::theCommandCallsTheService()
@@ -129,7 +147,7 @@ void TestCommand::argumentsArriveByteForByte()
 void TestCommand::theStateDirectoryIsTemporary()
 {
     QCOMPARE(run({ "--", "sh", "-c",
-                   "movra com.varn.tul / FILE SAVE night; cd $MOVRA_SIM_STATE; echo *" }),
+                   "movra com.varn.tul / FILE SAVE night; cd \"$MOVRA_SIM_STATE\"; echo *" }),
              QByteArray("0|night\n|"));
 }
 
@@ -137,7 +155,7 @@ void TestCommand::aChosenStateDirectoryStays()
 {
     const QTemporaryDir state;
     QCOMPARE(run({ "--state", QFile::encodeName(state.path()), "--", "sh", "-c",
-                   "movra com.varn.tul / FILE SAVE night; cd $MOVRA_SIM_STATE; echo *" }),
+                   "movra com.varn.tul / FILE SAVE night; cd \"$MOVRA_SIM_STATE\"; echo *" }),
              QByteArray("0|night\n|"));
     QVERIFY(QFileInfo::exists(state.filePath(QStringLiteral("night"))));
 }
@@ -244,8 +262,8 @@ void TestCommand::aKilledSimulatorLeavesNoFiles()
                               "movra com.varn.tul / FILE SAVE night; echo "
                               "$DBUS_SESSION_BUS_ADDRESS; exec sleep 60" });
     QVERIFY(program.waitForLines(1));
-    QString socket = QFile::decodeName(program.out);
-    socket = socket.section(QLatin1Char('='), 1).section(QLatin1Char(','), 0, 0);
+    const QByteArray path = program.out.split('=').at(1).split(',').first();
+    const QString socket = QFile::decodeName(QByteArray::fromPercentEncoding(path));
     QVERIFY(QFileInfo::exists(socket));
     program.send(SIGKILL);
     // The bus removes its socket, and the service removes the directory.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The timeline: items change and signals are sent by themselves, announced like any other change.
 #include "tests/sim/simrun.h"
+#include "tests/support/patience.h"
 
 #include <QDBusVariant>
 #include <QtTest>
@@ -86,7 +87,8 @@ void TestTimeline::aStatusChangesWithoutItsValue()
 void TestTimeline::aChangedConfigCanBeSetAgain()
 {
     QVERIFY(startWith(R"([{"at": 0, "id": ":config:a:", "value": "second"}])"));
-    QTRY_COMPARE(answerTo(service->GetValue(text(":config:a:"))), text("v <'second'>"));
+    QTRY_COMPARE_WITH_TIMEOUT(answerTo(service->GetValue(text(":config:a:"))), text("v <'second'>"),
+                              patienceMs);
     service->SetValue(text(":config:a:"), QDBusVariant(text("third")));
     QCOMPARE(answerTo(service->GetValueStatus(text(":config:a:"))),
              text("(svi) (':config:a:', <'third'>, 3)"));
