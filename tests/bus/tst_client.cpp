@@ -4,6 +4,7 @@
 #include "tests/support/capture.h"
 #include "tests/support/fakeservice.h"
 #include "tests/support/openmovra.h"
+#include "tests/support/patience.h"
 
 #include <QCoreApplication>
 #include <QMetaMethod>
@@ -62,6 +63,7 @@ private Q_SLOTS:
     void failedConnections();
     void destroyingTheClientLeavesTheProxyAlive();
     void quitEndsTheEventLoop();
+    void aFailedConnectionEndsTheEventLoop();
 
 private:
     std::unique_ptr<FakeService> service;
@@ -204,7 +206,17 @@ void tst_Client::quitEndsTheEventLoop()
 {
     OpenMovra movra;
     QTimer::singleShot(0, &movra, SLOT(quit()));
-    QTimer::singleShot(10000, [] { QCoreApplication::exit(1); });
+    QTimer::singleShot(patienceMs, &movra, [] { QCoreApplication::exit(1); });
+    QCOMPARE(QCoreApplication::exec(), 0);
+}
+
+void tst_Client::aFailedConnectionEndsTheEventLoop()
+{
+    OpenMovra movra;
+    QTimer::singleShot(0, &movra, [&movra] {
+        captureOutput([&movra] { movra.connectToService("com.varn.nobody", "/"); });
+    });
+    QTimer::singleShot(patienceMs, &movra, [] { QCoreApplication::exit(1); });
     QCOMPARE(QCoreApplication::exec(), 0);
 }
 

@@ -30,6 +30,10 @@ std::vector<MovraRow> rows()
     return {
         { "a name that nobody owns fails with an empty text",
           { "com.varn.nobody", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },
+        { "the bus itself is no service", { "org.freedesktop.DBus", "/", "SERVERSTAT" }, {},
+          notValid(""), {}, 1 },
+        { "a unique name is not looked up", { ":1", "/", "SERVERSTAT" }, {},
+          "Reply Not Valid     err=\n", {}, 0 },
         { "a malformed name", { "a..b", "/", "SERVERSTAT" }, {},
           notValid("Invalid service name: a..b"), {}, 1 },
         { "an empty name", { "", "/", "SERVERSTAT" }, {}, notValid(""), {}, 1 },

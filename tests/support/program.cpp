@@ -145,7 +145,9 @@ bool Program::readSome(Clock::time_point deadline)
 
 void Program::send(int signal)
 {
-    kill(pid, signal);
+    if (pid > 0) {
+        kill(pid, signal);
+    }
 }
 
 bool Program::runs() const
@@ -197,6 +199,9 @@ void Program::forgetOutput()
 
 bool Program::waitForEnd(std::chrono::seconds limit)
 {
+    if (pid < 0) {
+        return true;
+    }
     const auto deadline = Clock::now() + limit;
     bool inTime = true;
     while (inTime && (outPipe >= 0 || errPipe >= 0)) {
