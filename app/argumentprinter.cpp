@@ -20,16 +20,15 @@ template <typename T> void printElements(const QDBusArgument &value)
     writeElementLines(std::cout, elements);
 }
 
-/// The type to read elements as: the type on the wire. Integers of the kind's width have the kind's
-/// signedness. An id without a kind word means doubles.
+/// The type to read elements as: the type on the wire. Integers of the width of the id's kind have
+/// the kind's signedness.
 char elementToRead(const QString &id, char onWire)
 {
     const ArrayKind *const kind = findArrayKind(id);
-    const char ofKind = kind != nullptr ? kind->element : 'd';
     const auto bothIn = [=](const QByteArray &codes) {
-        return codes.contains(onWire) && codes.contains(ofKind);
+        return codes.contains(onWire) && codes.contains(kind->element);
     };
-    return bothIn("iu") || bothIn("xt") ? ofKind : onWire;
+    return kind != nullptr && (bothIn("iu") || bothIn("xt")) ? kind->element : onWire;
 }
 
 void printArray(const QString &id, const QDBusArgument &value)

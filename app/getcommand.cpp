@@ -84,6 +84,6 @@ void Movra::printValue(const QString &id, const QVariant &value)
 
 void Movra::reportFailedGet()
 {
-    // Three blanks before "err", where the other commands have five.
+    // Three blanks before "err", where FILE, ACTION, SERVERSTAT and SERVERCMD have five.
     std::printf("Reply Not Valid   err=%s\n", recordLastError().constData());
 }

@@ -50,7 +50,7 @@ int main(int argc, char **argv)
     }
     const int status = command != nullptr ? (client.*command->handler)(argv) : NotRun;
     if (status != Success) {
-        // Nothing was sent, or the reply has come.
+        // Nothing was sent, or the wait is over.
         outliveBus();
         std::cout << "Error While Parsing Command -- use -h for help   err:" << status << std::endl;
     }

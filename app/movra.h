@@ -30,7 +30,8 @@ public:
     ~Movra() override;
 
     /// Registers the bus types, opens the session bus and builds the proxy. Returns false if the
-    /// proxy is not valid, prints the reason and stores it in `lastErrorText`; `iface` is set.
+    /// proxy is not valid, prints the reason and stores it in `lastErrorText`; `iface` is set. Ends
+    /// the process if the bus ends or does not respond.
     bool connectToService(const std::string &service, const std::string &path);
 
     // Command handlers: each takes the whole argument vector and returns the exit status.
@@ -46,8 +47,9 @@ public:
     int serverStatCommand(char **argv);
     int serverCmdCommand(char **argv);
 
-    /// Prints the elements of an array that arrived packed, each on a line, or one error line for
-    /// any other packed value. The kind word in `id` selects the kind of array.
+    /// Prints a packed array of numbers or booleans, each element on a line. For other arrays it
+    /// prints nothing, for other packed values one error line. The kind word in `id` decides only
+    /// the signedness of integers of its width.
     void printArgumentValue(const QString &id, const QDBusArgument &value);
 
 public Q_SLOTS:
@@ -92,7 +94,7 @@ protected: // not private, so that tests can call what no command calls
 
 private:
     /// Records the message of the proxy's last error and returns its Latin-1 form. The error of a
-    /// reply is ignored on purpose, so the text is empty or stale if the proxy itself has no error.
+    /// reply is ignored on purpose, so the text is usually empty.
     QByteArray recordLastError();
     /// Records the last error and prints it in the common line of FILE, ACTION, SERVERSTAT and
     /// SERVERCMD.

@@ -32,7 +32,7 @@ void outliveBus();
 void endIfBusEnded();
 
 /// While this object exists, about 9,000 signals or 2.25 MiB at most are queued for the main
-/// thread. Further signals stay in the bus.
+/// thread, or 9 signals that are larger than 256 KiB. Further signals stay in the bus.
 ///
 /// Qt D-Bus's thread counts the signals that it queues for the main thread. After every 1000th, or
 /// 256 KiB, it acquires one of 8 tickets. The main thread releases the ticket when it has handled

@@ -27,7 +27,7 @@ public:
     static const char *staticInterfaceName() { return "varn.pim"; }
 
     /// Asks the bus for the owner of the service name. isValid() is true if a well-known name has
-    /// one. It is always true for a unique name, and never for the bus's own name.
+    /// one. With a correct path it is always true for a unique name, and never for the bus's own.
     KorAppInterface(const QString &service, const QString &path, const QDBusConnection &connection,
                     QObject *parent);
     ~KorAppInterface() override;
