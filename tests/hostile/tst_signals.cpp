@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The monitor against signals of random members, types and values: MOVRA_HOSTILE_RUNS for each
 // member (200 unless set), from the seed MOVRA_HOSTILE_SEED (1 unless set).
+#include "bus/connection.h"
 #include "bus/proxies.h"
 #include "tests/hostile/qtwarnings.h"
 #include "tests/hostile/randomreply.h"
@@ -51,6 +52,7 @@ private:
 
     std::unique_ptr<FakeService> service;
     std::unique_ptr<OpenMovra> movra;
+    std::unique_ptr<FlowControl> flow;
 };
 
 void tst_Signals::initTestCase()
@@ -60,6 +62,7 @@ void tst_Signals::initTestCase()
     movra = std::make_unique<OpenMovra>();
     QVERIFY(movra->connectToService("com.varn.tul", "/"));
     QCOMPARE(callHandler(*movra, requestOf(monitorForm())).status, 0);
+    flow = std::make_unique<FlowControl>();
 }
 
 QByteArray tst_Signals::heard(const std::function<void()> &emitAll)
