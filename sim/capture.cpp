@@ -108,11 +108,11 @@ private:
         return {};
     }
 
-    /// Whether the identifier can be in the catalogue.
+    /// Whether the id can be in the catalogue.
     bool take(const QString &id)
     {
         if (id.isEmpty() || known.contains(id)) {
-            skip(id, id.isEmpty() ? "an identifier is empty"_q : "it is there already"_q);
+            skip(id, id.isEmpty() ? "an id is empty"_q : "it is there already"_q);
             return false;
         }
         known.insert(id);
@@ -150,7 +150,7 @@ private:
         return entry;
     }
 
-    /// A list of the catalogue; `read` makes an entry of an identifier, or null.
+    /// A list of the catalogue; `read` makes an entry of an id, or null.
     template <typename Read>
     static QByteArray listText(const char *key, const QStringList &found, Read read)
     {
@@ -176,7 +176,7 @@ private:
         });
     }
 
-    /// On a terminal, shows how many identifiers have been asked for, or clears that.
+    /// On a terminal, shows how many ids have been asked for, or clears that.
     void showProgress(bool isOver)
     {
         constexpr int pace = 100;

@@ -302,7 +302,7 @@ private:
     }
 
     Catalog catalog;
-    QHash<QString, int> indexes; ///< of every identifier: its item's place, or -1
+    QHash<QString, int> indexes; ///< of every id: its item's place, or -1
 };
 
 } // namespace

@@ -9,7 +9,7 @@
 
 /// The contents of a catalogue.
 struct Catalog {
-    QVector<Item> items; ///< configs before results
+    QVector<Item> items; ///< configurations before results
     QVector<Action> actions;
     QVector<Moment> timeline;
     QStringList logs;
@@ -32,7 +32,7 @@ extern const QRegularExpression debugLogName;
 /// A file that is built into the program, such as `catalog.json`.
 QByteArray builtIn(const QString &name);
 
-/// The values of all configs as JSON; readConfigs() reads it without loss.
+/// The values of all configurations as JSON; readConfigs() reads it without loss.
 QByteArray writeConfigs(const Items &items);
 /// The values in a saved text; `place` says how a refusal begins and ends.
 QVector<Assignment> readConfigs(const QByteArray &text, const Items &items, const Place &place);

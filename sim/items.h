@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The configs and results with their current values, the notify list, and what changes items
+// The configurations and results with their current values, the notify list, and what changes items
 // without a call: running actions and the timeline.
 #pragma once
 
@@ -18,7 +18,7 @@
 /// The longest duration, interval or delay that can be asked for, in milliseconds.
 constexpr int longestTime = 3600000;
 
-/// Clients can set configs. Only actions and the timeline change results.
+/// Clients can set configurations. Only actions and the timeline change results.
 enum class ItemKind { Config, Result };
 
 /// One config or result.
@@ -37,8 +37,8 @@ struct Assignment {
     std::optional<int> status = {}; ///< without one, the status stays
 };
 
-/// All items. An item's index is its position in the catalogue, configs before results. Configs and
-/// results share one notify list; each kind has its own start, stop and interval.
+/// All items. An item's index is its position in the catalogue, configurations before
+/// results. Both share one notify list; each kind has its own start, stop and interval.
 class Items : public QObject
 {
 public:

@@ -88,7 +88,7 @@ Refusal malformed(const QString &value, const QString &wanted)
     return badValue("%1 is not of the form %2."_q.arg(quoted(value), quoted(wanted)));
 }
 
-/// No log has this name, which is no identifier that a log could note.
+/// No log has this name, which is no id that a log could note.
 Refusal unknownLog(const QString &name)
 {
     return { "UnknownId"_q, unknownId(name).sentence };

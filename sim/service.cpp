@@ -44,7 +44,7 @@ QString text(In arguments, int index = 0)
     return arguments.at(index).toString();
 }
 
-/// The identifiers in the first argument: a single one, a list, or a list with values.
+/// The ids in the first argument: a single one, a list, or a list with values.
 QStringList idsIn(In arguments)
 {
     const QVariant first = arguments.value(0);

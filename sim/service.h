@@ -36,15 +36,15 @@ private:
 
     void answer(const Method &method, const QDBusMessage &call);
     /// The fault for a call, which counts it; null: none. Of several faults, one for a member comes
-    /// before one for every member, then one for an identifier before one without, then one for a
+    /// before one for every member, then one for an id before one without, then one for a
     /// single call; then the last one given counts.
     const Fault *faultFor(const QDBusMessage &call);
     void suffer(const Fault &fault, const Method &method, const QDBusMessage &call);
 
-    /// The answer to a call that reads items: a list of what it asks for, or of one identifier just
+    /// The answer to a call that reads items: a list of what it asks for, or of one id just
     /// that. All items are noted, unless the answer would be too long.
     template <typename Told> QVariantList read(const QVariantList &arguments);
-    /// Sets the items of a list, or the item whose identifier and value are the arguments.
+    /// Sets the items of a list, or the item whose id and value are the arguments.
     void set(const QVariantList &arguments);
     void serverCommand(const QString &word, const QVariant &value);
     // They return true, as the interface wants it: what cannot be done is thrown.

@@ -99,9 +99,9 @@ void tst_Connection::theHalfSecond()
     FakeService service;
     answerAll(service);
     std::vector<CommandForm> forms = firstForms();
-    for (const QByteArrayList &refused : { QByteArrayList { "NOPE" }, { "GET" } }) {
-        forms.push_back(formOf(refused));
-        forms.back().words = refused;
+    for (const QByteArrayList &rejected : { QByteArrayList { "NOPE" }, { "GET" } }) {
+        forms.push_back(formOf(rejected));
+        forms.back().words = rejected;
         forms.back().out = forms.back().failed;
     }
     std::vector<std::unique_ptr<Program>> programs;

@@ -19,7 +19,7 @@ MovraRow arrayRow(const char *name, const QByteArrayList &typed, const char *sen
     return sends(name, QByteArrayList { "SETARRAY" } + typed, record(typed.first(), sent));
 }
 
-/// A SETARRAY that is refused: what is typed from the id on, and the printed length.
+/// A SETARRAY that is rejected: what is typed from the id on, and the printed length.
 MovraRow unsupported(const char *name, const QByteArrayList &typed, const QByteArray &length = {})
 {
     const QByteArray line =

@@ -23,7 +23,7 @@ QByteArray withoutLeadingZeros(QByteArray digits)
     return digits;
 }
 
-/// The first kind word that the identifier contains, or nothing.
+/// The first kind word that the id contains, or nothing.
 QByteArray kindIn(const QByteArray &id)
 {
     for (const char *kind : { "doubleARRAY", "floatARRAY", "uint32ARRAY", "int32ARRAY",

@@ -33,5 +33,5 @@ struct ExpectedOutcome {
 ExpectedOutcome expectedOutcome(const QByteArrayList &words, const Errors &errors);
 
 /// What SETARRAY sends for one value, as text; nothing where the rule needs more than two lines, as
-/// for numbers with a fraction. The identifier contains a kind word.
+/// for numbers with a fraction. The id contains a kind word.
 std::optional<QByteArray> expectedElement(const QByteArray &id, const QByteArray &typed);

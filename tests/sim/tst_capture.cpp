@@ -128,7 +128,7 @@ void TestCapture::itemsThatACatalogueCannotExpressAreSkipped()
                         "  \"debugLogs\": [\n    \"LOG_A\"\n  ]\n}\n|"
                         "movra-sim: skipped \":a:\": a catalogue has no type for a value of D-Bus "
                         "type \"a{sv}\"\n"
-                        "movra-sim: skipped \"\": an identifier is empty\n"
+                        "movra-sim: skipped \"\": an id is empty\n"
                         "movra-sim: skipped \":a:\": it is there already\n"
                         "movra-sim: skipped \":a:\": it is there already\n"
                         "movra-sim: skipped \"a:b\": no catalogue can have this log\n"

@@ -28,7 +28,7 @@ CommandForm sends(const char *name, const char *call)
     return form(name, call, "()", "", "", "");
 }
 
-CommandForm refused(const char *name, int status)
+CommandForm rejected(const char *name, int status)
 {
     return form(name, "", "", "", "", error(status), status);
 }
@@ -47,28 +47,28 @@ const std::vector<CommandForm> &allForms()
              "DBG SAVE_STOP   ERROR     err=\n"),
         form("DBG <SET> <v>", "DbgLogCmd ss ('SET', 'v')", "()", "", "",
              "DBG SET   ERROR     err=\n"),
-        refused("DBG <SET>", 2),
+        rejected("DBG <SET>", 2),
         form("SIG", "", "", "", "", ""),
         sends("NOTIFY CONFIG START", "StartConfigNotify"),
         sends("NOTIFY CONFIG STOP", "StopConfigNotify"),
         sends("NOTIFY CONFIG CLEAR", "ClearConfigNotifyList"),
         sends("NOTIFY CONFIG ADD <:x:>", "AddToNotifyList as ([':x:'],)"),
         sends("NOTIFY CONFIG DEL <:x:>", "DeleteFromNotifyList as ([':x:'],)"),
-        refused("NOTIFY CONFIG <NO>", 3),
+        rejected("NOTIFY CONFIG <NO>", 3),
         sends("NOTIFY RESULT START", "StartResultNotify"),
         sends("NOTIFY RESULT STOP", "StopResultNotify"),
         sends("NOTIFY RESULT CLEAR", "ClearResultNotifyList"),
         sends("NOTIFY RESULT ADD <:x:>", "AddToNotifyList as ([':x:'],)"),
         sends("NOTIFY RESULT DEL <:x:>", "DeleteFromNotifyList as ([':x:'],)"),
-        refused("NOTIFY RESULT <NO>", 3),
-        refused("NOTIFY <LOG>", 2),
+        rejected("NOTIFY RESULT <NO>", 3),
+        rejected("NOTIFY <LOG>", 2),
         sends("SET <:x:> <5>", "SetValue a(sv) ([(':x:', <'5'>)],)"),
         sends("SETARRAY <:int32ARRAY:> <1> <5>", "SetValue a(sv) ([(':int32ARRAY:', <[5]>)],)"),
         form("GET STATUS* <:x:>", "GetStatus s (':x:',)", "(7,)", "i", "7\n", getFailed),
         form("GET VALUE* <:x:>", "GetValue s (':x:',)", "(<'text'>,)", "v", "text\n", getFailed),
         form("GET VAL_STAT* <:x:>", "GetValueStatus s (':x:',)", "((':x:', <'text'>, 7),)", "(svi)",
              "status=7\ntext\n", getFailed),
-        refused("GET <ALL> <:x:>", 2),
+        rejected("GET <ALL> <:x:>", 2),
         form("GET <:x:>", "GetValue s (':x:',)", "(<'text'>,)", "v", "text\n", getFailed),
         form("LIST CONFIG*S", "ListConfigIds", "(['a', 'b'],)", "as", "a\nb\n", listFailed, 3),
         form("LIST RESULT*S", "ListResultIds", "(['a', 'b'],)", "as", "a\nb\n", listFailed, 3),
@@ -76,7 +76,7 @@ const std::vector<CommandForm> &allForms()
         form("LIST LOG*S", "LogGetIds", "('a,b',)", "s", "a,b\n", listFailed, 3),
         form("FILE SAVE <f>", "SaveConfig s ('f',)", "(true,)", "b", "", failed),
         form("FILE LOAD <f>", "LoadConfig s ('f',)", "(true,)", "b", "", failed),
-        refused("FILE <NO> <f>", 2),
+        rejected("FILE <NO> <f>", 2),
         // One member: the fake service gives both the same answer.
         form("ACTION <:a:> <v>", "DoAction ss (':a:', 'v')", "('done',)", "s", "done\n", failed),
         form("ACTION <:a:>", "DoAction s (':a:',)", "('done',)", "", "", failed),
@@ -85,7 +85,7 @@ const std::vector<CommandForm> &allForms()
              "DBusServerCmd sv ('SET_RES_NOTIFY_TIMER', <9>)", "()", "", "", failed),
         form("SERVERCMD SET_CFG_NOTIFY_TIMER <9>",
              "DBusServerCmd sv ('SET_CFG_NOTIFY_TIMER', <9>)", "()", "", "", failed),
-        refused("SERVERCMD <NO> <9>", 2),
+        rejected("SERVERCMD <NO> <9>", 2),
     };
     // clang-format on
     return forms;
@@ -163,7 +163,7 @@ CommandForm formOf(const QByteArrayList &words)
             return row;
         }
     }
-    return refused("", commandWords().contains(words.value(0)) ? 3 : 1);
+    return rejected("", commandWords().contains(words.value(0)) ? 3 : 1);
 }
 
 QByteArrayList requestOf(const CommandForm &form)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Array kinds: the kind word of an identifier, and the conversion of texts to arrays.
+// Array kinds: the kind word of an id, and the conversion of texts to arrays.
 #include "app/arraykind.h"
 #include "bus/types.h"
 
