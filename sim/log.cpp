@@ -201,16 +201,13 @@ void Log::record(LogLevel level, const QString &id, const QString &text)
 void Log::write(const QString &line)
 {
     const QByteArray bytes = line.toUtf8();
-    QString problem;
-    if (file->size() + bytes.size() > mostBytesOfFile) {
-        problem = "it would be larger than 16 MiB"_q;
-    } else if (file->write(bytes) != bytes.size()) {
-        problem = file->errorString();
+    const bool fits = file->size() + bytes.size() <= mostBytesOfFile;
+    if (fits && file->write(bytes) == bytes.size()) {
+        return;
     }
-    if (!problem.isEmpty()) {
-        announcer.error("the debug log cannot be written and is closed: %1"_q.arg(problem));
-        file.reset();
-    }
+    const QString problem = fits ? file->errorString() : "it would be larger than 16 MiB"_q;
+    announcer.error("the debug log cannot be written and is closed: %1"_q.arg(problem));
+    file.reset();
 }
 
 void Log::check(const QString &name) const

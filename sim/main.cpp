@@ -14,12 +14,11 @@
 namespace
 {
 
-/// False if the text cannot be written.
-bool print(std::FILE *stream, const QByteArray &text)
+void print(const QByteArray &text)
 {
-    return std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream)
-        == static_cast<std::size_t>(text.size())
-        && std::fflush(stream) == 0;
+    if (std::fputs(text.constData(), stdout) < 0 || std::fflush(stdout) != 0) {
+        throw Refusal { "Output"_q, "the output cannot be written: "_q + qt_error_string(errno) };
+    }
 }
 
 /// Carries out a task; a refusal becomes the last line, and its status that of the program.
@@ -33,18 +32,9 @@ int carryOut(const std::function<int()> &task)
     try {
         return task();
     } catch (const Refusal &refusal) {
-        print(stderr, "movra-sim: %1\n"_q.arg(refusal.sentence).toLocal8Bit());
+        std::fprintf(stderr, "movra-sim: %s\n", refusal.sentence.toLocal8Bit().constData());
         return statuses.value(refusal.name, 1);
     }
-}
-
-/// Prints what was requested, and returns the exit status.
-int show(const QByteArray &text)
-{
-    if (!print(stdout, text)) {
-        throw Refusal { "Output"_q, "the output cannot be written: "_q + qt_error_string(errno) };
-    }
-    return 0;
 }
 
 int run(int count, char **words)
@@ -60,17 +50,19 @@ int run(int count, char **words)
     options.command = separator == end ? nullptr : separator + 1;
     switch (options.task) {
     case Options::Task::Print:
-        return show(options.text.toLocal8Bit());
+        print(options.text.toLocal8Bit());
+        return 0;
     case Options::Task::Check:
         loadCatalog(options.catalogFile);
         return 0;
     case Options::Task::Capture:
-        return show(captureCatalog(options.service, options.path));
+        print(captureCatalog(options.service, options.path));
+        return 0;
     case Options::Task::Serve:
         break;
     }
     if (options.command == nullptr) {
-        serve(options, [] { print(stdout, "ready\n"); });
+        serve(options, [] { std::puts("ready"), std::fflush(stdout); });
         return 0;
     }
     if (*options.command == nullptr) {

@@ -135,9 +135,8 @@ Options parseOptions(const QStringList &arguments)
         options.catalogFile = parser.value(check);
     }
     static const QRegularExpression objectPath("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"_q);
-    const bool needsPath =
-        options.task == Options::Task::Serve || options.task == Options::Task::Capture;
-    if (needsPath && !objectPath.match(options.path).hasMatch()) {
+    if ((options.task == Options::Task::Serve || options.task == Options::Task::Capture)
+        && !objectPath.match(options.path).hasMatch()) {
         throw Refusal { "Path"_q, "%1 is not an object path"_q.arg(quoted(options.path)) };
     }
     return options;

@@ -29,8 +29,8 @@ class Signals
 public:
     Signals()
     {
-        // A process that ignores it cannot wait for another one.
-        childEnded = std::signal(SIGCHLD, SIG_DFL);
+        // A process that ignores it cannot wait for another one. Commands expect the default, too.
+        std::signal(SIGCHLD, SIG_DFL);
         sigemptyset(&awaited);
         for (const int number : { SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGCHLD }) {
             sigaddset(&awaited, number);
@@ -38,11 +38,7 @@ public:
         ::sigprocmask(SIG_BLOCK, &awaited, &before);
     }
     /// For a new process: its signals are those of the program's start.
-    void release() const
-    {
-        std::signal(SIGCHLD, childEnded);
-        ::sigprocmask(SIG_SETMASK, &before, nullptr);
-    }
+    void release() const { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
     /// The next signal; -1: the time is over. Without a limit (0) there is always one.
     int next(int seconds) const
     {
@@ -57,7 +53,6 @@ public:
 private:
     sigset_t awaited {};
     sigset_t before {};
-    void (*childEnded)(int);
 };
 
 /// Another process, which is told to end, and waited for, with this object.
@@ -126,27 +121,23 @@ private:
 /// Starts a session bus in the directory and makes it that of this process.
 std::unique_ptr<Process> startBus(const Signals &signals, const QTemporaryDir &directory)
 {
-    QFile configuration(directory.filePath("bus.conf"_q));
+    const QString file = directory.filePath("bus.conf"_q);
+    QFile configuration(":/bus.conf"_q);
     QFile log(directory.filePath("bus.log"_q));
-    if (!directory.isValid()) {
-        failWith(directory.errorString());
+    if (!directory.isValid() || !configuration.copy(file)) {
+        failWith(directory.isValid() ? configuration.errorString() : directory.errorString());
     }
     if (!log.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
         failWith(log.errorString());
     }
-    if (!configuration.open(QIODevice::WriteOnly) || configuration.write(builtIn("bus.conf"_q)) < 0
-        || !configuration.flush()) {
-        failWith(configuration.errorString());
-    }
-    configuration.close();
-    const QByteArray file = "--config-file=" + QFile::encodeName(configuration.fileName());
+    const QByteArray option = "--config-file=" + QFile::encodeName(file);
     const QByteArray path = QFile::encodeName(directory.filePath("bus"_q));
     const QByteArray socket = "--address=unix:path=" + path.toPercentEncoding("/", "~");
     auto daemon = std::make_unique<Process>(signals, Process::Session::Own, [&](QFile &output) {
         ::dup2(output.handle(), STDOUT_FILENO);
         ::dup2(log.handle(), STDERR_FILENO);
         ::execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nopidfile", "--print-address",
-                 file.constData(), socket.constData(), static_cast<char *>(nullptr));
+                 option.constData(), socket.constData(), static_cast<char *>(nullptr));
         log.write("dbus-daemon cannot be run: " + qt_error_string(errno).toLocal8Bit());
         return 1;
     });

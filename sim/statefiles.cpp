@@ -43,10 +43,8 @@ void checkName(const QString &name)
 QByteArray readFile(const QString &path, const QString &excess, const Place &place)
 {
     QFile file(path);
-    QByteArray bytes;
-    if (file.open(QIODevice::ReadOnly)) {
-        bytes = file.read(mostBytesOfFile + 1);
-    }
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    const QByteArray bytes = isOpen ? file.read(mostBytesOfFile + 1) : QByteArray();
     if (file.error() != QFileDevice::NoError) {
         throw place.refusal(file.errorString());
     }
@@ -133,9 +131,8 @@ void StateFiles::write(const QString &name, const QByteArray &bytes)
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         throw place.refusal(file.errorString());
     }
-    if (std::rename(QFile::encodeName(newPath).constData(),
-                    QFile::encodeName(pathOf(name)).constData())
-        != 0) {
+    const QByteArray target = QFile::encodeName(pathOf(name));
+    if (std::rename(QFile::encodeName(newPath).constData(), target.constData()) != 0) {
         throw place.refusal(qt_error_string(errno));
     }
 }
