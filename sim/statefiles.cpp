@@ -44,7 +44,7 @@ QByteArray readFile(const QString &path, const QString &excess, const Place &pla
 {
     QFile file(path);
     const bool isOpen = file.open(QIODevice::ReadOnly);
-    const QByteArray bytes = isOpen ? file.read(mostBytesOfFile + 1) : QByteArray();
+    QByteArray bytes = isOpen ? file.read(mostBytesOfFile + 1) : QByteArray();
     if (file.error() != QFileDevice::NoError) {
         throw place.refusal(file.errorString());
     }
