@@ -7,6 +7,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstring>
+#include <iostream>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -62,7 +63,7 @@ int run(int count, char **words)
         break;
     }
     if (options.command == nullptr) {
-        serve(options, [] { std::puts("ready"), std::fflush(stdout); });
+        serve(options, [] { std::cout << "ready" << std::endl; });
         return 0;
     }
     if (*options.command == nullptr) {
