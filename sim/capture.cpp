@@ -180,7 +180,7 @@ private:
     void showProgress(bool isOver)
     {
         constexpr int pace = 100;
-        static const bool isTerminal = ::isatty(STDERR_FILENO) != 0;
+        static const bool isTerminal = isatty(STDERR_FILENO) != 0;
         if (isTerminal && isOver) {
             std::fputs("\r\033[K", stderr);
         } else if (isTerminal && done % pace == 0) {

@@ -22,7 +22,7 @@ int wakeUp = -1;
 /// Lets the signals that end the program end the event loop.
 void catchSignals(QObject *context)
 {
-    wakeUp = ::eventfd(0, EFD_CLOEXEC);
+    wakeUp = eventfd(0, EFD_CLOEXEC);
     if (wakeUp < 0) {
         // The signals then end the process immediately.
         return;
@@ -32,7 +32,7 @@ void catchSignals(QObject *context)
     for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
         struct sigaction before {
         };
-        ::sigaction(number, nullptr, &before);
+        sigaction(number, nullptr, &before);
         // A shell ignores them on purpose for a program in the background or under nohup.
         if (number == SIGTERM || before.sa_handler != SIG_IGN) {
             std::signal(number, [](int /*signal*/) { ::eventfd_write(wakeUp, 1); });

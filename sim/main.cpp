@@ -79,9 +79,9 @@ int main(int argc, char **argv)
     // The next opened file or socket would become a closed standard stream.
     int descriptor = -1;
     do {
-        descriptor = ::open("/dev/null", O_RDWR);
+        descriptor = open("/dev/null", O_RDWR);
     } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    ::close(descriptor);
+    close(descriptor);
     // Before there is an application object: a command is started from a process without threads.
     std::setlocale(LC_ALL, "");
     return carryOut([&] { return run(argc, argv); });

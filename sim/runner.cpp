@@ -35,17 +35,17 @@ public:
         for (const int number : { SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGCHLD }) {
             sigaddset(&awaited, number);
         }
-        ::sigprocmask(SIG_BLOCK, &awaited, &before);
+        sigprocmask(SIG_BLOCK, &awaited, &before);
     }
     /// For a new process: its signals are those of the program's start.
-    void release() const { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
+    void release() const { sigprocmask(SIG_SETMASK, &before, nullptr); }
     /// The next signal; -1: the time is over. Without a limit (0) there is always one.
     int next(int seconds) const
     {
         const timespec limit { seconds, 0 };
         int number = -1;
         do {
-            number = ::sigtimedwait(&awaited, nullptr, seconds == 0 ? nullptr : &limit);
+            number = sigtimedwait(&awaited, nullptr, seconds == 0 ? nullptr : &limit);
         } while (number < 0 && errno == EINTR);
         return number;
     }
@@ -66,8 +66,8 @@ public:
     Process(const Signals &signals, Session session, const std::function<int(QFile &)> &task)
     {
         std::array<int, 2> ends {};
-        const pid_t parent = ::getpid();
-        pid = ::pipe2(ends.data(), O_CLOEXEC) == 0 ? ::fork() : -1;
+        const pid_t parent = getpid();
+        pid = pipe2(ends.data(), O_CLOEXEC) == 0 ? fork() : -1;
         if (pid < 0) {
             failWith(qt_error_string(errno));
         }
@@ -78,9 +78,9 @@ public:
             signals.release();
             if (session == Session::Own) {
                 // Ctrl-C must not end it before the command.
-                ::setsid();
-                ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-                if (::getppid() != parent) {
+                setsid();
+                prctl(PR_SET_PDEATHSIG, SIGTERM);
+                if (getppid() != parent) {
                     ::_exit(0);
                 }
             }
@@ -91,7 +91,7 @@ public:
     ~Process()
     {
         if (pid > 0) {
-            ::kill(pid, SIGTERM);
+            kill(pid, SIGTERM);
             wait(0);
         }
     }
@@ -99,12 +99,12 @@ public:
 
     /// Waits for the line from the process; empty: there is none.
     QByteArray line() { return output.readLine().trimmed(); }
-    void send(int signalNumber) const { ::kill(pid, signalNumber); }
+    void send(int signalNumber) const { kill(pid, signalNumber); }
     /// True once it has ended; its exit status is then that of a shell.
     bool wait(int options)
     {
         int state = 0;
-        if (pid > 0 && ::waitpid(pid, &state, options) == pid) {
+        if (pid > 0 && waitpid(pid, &state, options) == pid) {
             constexpr int bySignal = 128;
             status = WIFSIGNALED(state) ? bySignal + WTERMSIG(state) : WEXITSTATUS(state);
             pid = -1;
@@ -136,8 +136,8 @@ std::unique_ptr<Process> startBus(const Signals &signals, const QTemporaryDir &d
     auto daemon = std::make_unique<Process>(signals, Process::Session::Own, [&](QFile &output) {
         ::dup2(output.handle(), STDOUT_FILENO);
         ::dup2(log.handle(), STDERR_FILENO);
-        ::execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nopidfile", "--print-address",
-                 option.constData(), socket.constData(), static_cast<char *>(nullptr));
+        execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nopidfile", "--print-address",
+               option.constData(), socket.constData(), static_cast<char *>(nullptr));
         log.write("dbus-daemon cannot be run: " + qt_error_string(errno).toLocal8Bit());
         return 1;
     });
@@ -166,12 +166,12 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
     qputenv("MOVRA_SIM_STATE", QFile::encodeName(*options.stateDirectory));
 
     Process service(signals, Process::Session::Own, [&](QFile &output) {
-        const pid_t parent = ::getppid();
+        const pid_t parent = getppid();
         const int status = carryOut([&] {
             serve(options, [&output] { output.write("ready\n"); });
             return 0;
         });
-        if (::getppid() != parent) {
+        if (getppid() != parent) {
             // The parent was killed. The bus removes its socket, which can make one attempt fail.
             const QString path = directory.path();
             if (!QDir(path).removeRecursively()) {
@@ -188,7 +188,7 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
     // It keeps the standard streams and the terminal.
     Process command(signals, Process::Session::Same, [&](QFile & /*output*/) {
         return carryOut([&]() -> int {
-            ::execvp(options.command[0], options.command);
+            execvp(options.command[0], options.command);
             const int error = errno;
             const QString name = quoted(QFile::decodeName(options.command[0]));
             throw Refusal { error == ENOENT ? "NotFound"_q : "NotRunnable"_q,

@@ -70,17 +70,17 @@ void StateFiles::prepare(const Place &place)
         throw place.refusal("%1 is no directory and cannot be created"_q.arg(quoted(directory)));
     }
     const QByteArray path = QFile::encodeName(directory);
-    if (::access(path.constData(), R_OK | W_OK | X_OK) != 0) {
+    if (access(path.constData(), R_OK | W_OK | X_OK) != 0) {
         throw place.refusal(quoted(directory) + ": "_q + qt_error_string(errno));
     }
     if (lock < 0) {
         // The directory itself is locked, so no lock file is needed in it.
-        lock = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) != 0) {
+        lock = open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (lock < 0 || flock(lock, LOCK_EX | LOCK_NB) != 0) {
             const QString reason = errno == EWOULDBLOCK
                 ? "another simulator uses %1"_q.arg(quoted(directory))
                 : quoted(directory) + ": "_q + qt_error_string(errno);
-            ::close(std::exchange(lock, -1));
+            close(std::exchange(lock, -1));
             throw place.refusal(reason);
         }
     }

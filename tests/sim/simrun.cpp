@@ -8,7 +8,7 @@
 #include <QDBusVariant>
 #include <QFile>
 #include <QMetaType>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <vector>
@@ -93,7 +93,7 @@ bool startSimulator(QProcess &process, const QStringList &arguments)
 
 bool endSimulator(QProcess &process, int signalNumber)
 {
-    ::kill(static_cast<pid_t>(process.processId()), signalNumber);
+    kill(static_cast<pid_t>(process.processId()), signalNumber);
     return process.waitForFinished() && process.exitStatus() == QProcess::NormalExit
         && process.exitCode() == 0;
 }

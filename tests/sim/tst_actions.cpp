@@ -2,7 +2,7 @@
 // Actions: their start, the result that they drive, and their end.
 #include "tests/sim/simrun.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace
 {
@@ -28,7 +28,7 @@ constexpr const char *ownCatalog = R"({
 
 } // namespace
 
-class TestActions : public SimTest
+class tst_Actions : public SimTest
 {
     Q_OBJECT
 
@@ -50,7 +50,7 @@ private:
     }
 };
 
-void TestActions::theDownloadDrivesItsResult()
+void tst_Actions::theDownloadDrivesItsResult()
 {
     const QString download = text(":action:data:ftp:download:");
     const QString percent = text(":result:data:ftp:percentTransfered:0:");
@@ -66,7 +66,7 @@ void TestActions::theDownloadDrivesItsResult()
     QVERIFY(hear(text("SigUpdate :result:data:ftp:percentTransfered:0:=0")));
 }
 
-void TestActions::theMeasurementsEndWithData()
+void tst_Actions::theMeasurementsEndWithData()
 {
     service->DoAction(text(":action:voip:delay:measure:"));
     QVERIFY(hear(text("SigTestCompleteWithData delays in ms ad 1.5 2.25 3")));
@@ -74,7 +74,7 @@ void TestActions::theMeasurementsEndWithData()
     QVERIFY(hear(text("SigTestCompleteWithData scan done au 10 21 4294967295")));
 }
 
-void TestActions::theLineDropRaisesAnAlarm()
+void tst_Actions::theLineDropRaisesAnAlarm()
 {
     service->DoAction(text(":action:xdsl:line:drop:"));
     QVERIFY(hear(text("SigTestComplete :action:xdsl:line:drop:")));
@@ -84,7 +84,7 @@ void TestActions::theLineDropRaisesAnAlarm()
                             text("SigTestComplete :action:xdsl:line:drop:") }));
 }
 
-void TestActions::valuesAreAnnouncedAndAnswered()
+void tst_Actions::valuesAreAnnouncedAndAnswered()
 {
     QCOMPARE(answerTo(service->DoAction(text(":action:data:ftp:ping:"), text("%1"))),
              text("s 'pong %1'"));
@@ -94,7 +94,7 @@ void TestActions::valuesAreAnnouncedAndAnswered()
     QCOMPARE(heard.at(0), text("SigInfo :action:data:ftp:ping: started with %1"));
 }
 
-void TestActions::anUnknownActionIsRefused()
+void tst_Actions::anUnknownActionIsRefused()
 {
     const QString refusal = text("varn.pim.Error.UnknownId: There is no \":action:none:\" here.");
     QCOMPARE(answerTo(service->DoAction(text(":action:none:"))), refusal);
@@ -104,7 +104,7 @@ void TestActions::anUnknownActionIsRefused()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestActions::everyEndIsAnnouncedInOrder()
+void tst_Actions::everyEndIsAnnouncedInOrder()
 {
     QVERIFY(restartWithOwnCatalog());
     QCOMPARE(answerTo(service->DoAction(text(":action:a:all:"), text("x"))), text("s 'x and %1'"));
@@ -125,7 +125,7 @@ void TestActions::everyEndIsAnnouncedInOrder()
                             text("SigTestComplete :action:a:plain:") }));
 }
 
-void TestActions::aRunningActionIsNotStartedAgain()
+void tst_Actions::aRunningActionIsNotStartedAgain()
 {
     QVERIFY(restartWithOwnCatalog());
     takeHeard();
@@ -138,7 +138,7 @@ void TestActions::aRunningActionIsNotStartedAgain()
     QCOMPARE(takeHeard(), QStringList { text("SigInfo :action:a:long: started") });
 }
 
-void TestActions::anActionWithoutDurationEndsAtOnce()
+void tst_Actions::anActionWithoutDurationEndsAtOnce()
 {
     QVERIFY(restartWithOwnCatalog());
     service->AddToNotifyList(text(":result:a:count:"));
@@ -155,5 +155,5 @@ void TestActions::anActionWithoutDurationEndsAtOnce()
     QCOMPARE(answerTo(service->DBusServerStatus()), text("i 0"));
 }
 
-QTEST_GUILESS_MAIN(TestActions)
+QTEST_GUILESS_MAIN(tst_Actions)
 #include "tst_actions.moc"

@@ -6,7 +6,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 
@@ -50,7 +50,7 @@ constexpr const char *emptyCatalog =
 
 } // namespace
 
-class TestCapture : public QObject
+class tst_Capture : public QObject
 {
     Q_OBJECT
 
@@ -86,7 +86,7 @@ private:
     QByteArrayList environment;
 };
 
-void TestCapture::initTestCase()
+void tst_Capture::initTestCase()
 {
     for (const char *name : { "PATH", "LSAN_OPTIONS", "DBUS_SESSION_BUS_ADDRESS" }) {
         environment.append(QByteArray(name) + '=' + qgetenv(name));
@@ -94,7 +94,7 @@ void TestCapture::initTestCase()
     environment += { "HOME=/nonexistent", "LC_ALL=C.UTF-8", "PROGRAM=" MOVRA_SIM_PROGRAM };
 }
 
-void TestCapture::aCaptureAnswersAsTheOriginal()
+void tst_Capture::aCaptureAnswersAsTheOriginal()
 {
     const QByteArray original = QFile::encodeName(scratch.filePath(QStringLiteral("original")));
     const QByteArray copy = QFile::encodeName(scratch.filePath(QStringLiteral("copy")));
@@ -111,7 +111,7 @@ void TestCapture::aCaptureAnswersAsTheOriginal()
     QCOMPARE(run({ "--catalog", copy, "--", "sh", "-c", questions }), wanted);
 }
 
-void TestCapture::itemsThatACatalogueCannotExpressAreSkipped()
+void tst_Capture::itemsThatACatalogueCannotExpressAreSkipped()
 {
     FakeService service;
     answerNothing(service);
@@ -152,7 +152,7 @@ void TestCapture::itemsThatACatalogueCannotExpressAreSkipped()
                    "characters\n");
 }
 
-void TestCapture::nonsenseIsAnError_data()
+void tst_Capture::nonsenseIsAnError_data()
 {
     QTest::addColumn<Prepare>("prepare");
     QTest::addColumn<QByteArray>("reason");
@@ -187,7 +187,7 @@ void TestCapture::nonsenseIsAnError_data()
         "\"ListActionIds\": Message recipient disconnected from message bus without replying");
 }
 
-void TestCapture::nonsenseIsAnError()
+void tst_Capture::nonsenseIsAnError()
 {
     QFETCH(Prepare, prepare);
     QFETCH(QByteArray, reason);
@@ -199,7 +199,7 @@ void TestCapture::nonsenseIsAnError()
     QCOMPARE(capture(), "8||movra-sim: the service cannot be captured: " + reason + '\n');
 }
 
-void TestCapture::aMissingServiceIsNotCaptured_data()
+void tst_Capture::aMissingServiceIsNotCaptured_data()
 {
     QTest::addColumn<QByteArrayList>("arguments");
     QTest::addColumn<QByteArray>("expected");
@@ -220,14 +220,14 @@ void TestCapture::aMissingServiceIsNotCaptured_data()
                       "object path '/x'\n");
 }
 
-void TestCapture::aMissingServiceIsNotCaptured()
+void tst_Capture::aMissingServiceIsNotCaptured()
 {
     QFETCH(QByteArrayList, arguments);
     QFETCH(QByteArray, expected);
     QCOMPARE(run(arguments), expected);
 }
 
-void TestCapture::thousandsOfIdsShowProgressOnATerminal()
+void tst_Capture::thousandsOfIdsShowProgressOnATerminal()
 {
     FakeService service;
     answerNothing(service);
@@ -249,5 +249,5 @@ void TestCapture::thousandsOfIdsShowProgressOnATerminal()
     QVERIFY(program.out.endsWith("\r\033[K"));
 }
 
-QTEST_GUILESS_MAIN(TestCapture)
+QTEST_GUILESS_MAIN(tst_Capture)
 #include "tst_capture.moc"

@@ -4,7 +4,7 @@
 
 #include <QRegularExpression>
 #include <QSet>
-#include <QtTest>
+#include <QTest>
 
 namespace
 {
@@ -32,7 +32,7 @@ QByteArray catalogWith(const char *key, const QByteArray &list)
 
 } // namespace
 
-class TestCatalog : public QObject
+class tst_Catalog : public QObject
 {
     Q_OBJECT
 
@@ -47,7 +47,7 @@ private Q_SLOTS:
     void theBuiltInCatalogCanRaiseEverySignalOfAnAction();
 };
 
-void TestCatalog::everyErrorHasItsPlace_data()
+void tst_Catalog::everyErrorHasItsPlace_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("problem");
@@ -224,14 +224,14 @@ void TestCatalog::everyErrorHasItsPlace_data()
         "debugLogs[0]: is not LOG_ and a name in upper case");
 }
 
-void TestCatalog::everyErrorHasItsPlace()
+void tst_Catalog::everyErrorHasItsPlace()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, problem);
     QCOMPARE(problemOf(text), problem);
 }
 
-void TestCatalog::manyNamesAreReadInTime()
+void tst_Catalog::manyNamesAreReadInTime()
 {
     QByteArray names = "[\"LOG_0\"";
     for (int number = 1; number < 80000; ++number) {
@@ -240,14 +240,14 @@ void TestCatalog::manyNamesAreReadInTime()
     QCOMPARE(readCatalog(catalogWith("debugLogs", names + ']')).debugLogs.size(), 80000);
 }
 
-void TestCatalog::anEmptyCatalogIsACatalog()
+void tst_Catalog::anEmptyCatalogIsACatalog()
 {
     const Catalog read = readCatalog(emptyCatalog);
     QVERIFY(read.items.isEmpty());
     QVERIFY(read.actions.isEmpty());
 }
 
-void TestCatalog::leftOutFieldsHaveDefaults()
+void tst_Catalog::leftOutFieldsHaveDefaults()
 {
     const Catalog read = readCatalog(
         R"({"configs": [{"id": "a", "type": "bool", "value": true}], "results": [],
@@ -262,7 +262,7 @@ void TestCatalog::leftOutFieldsHaveDefaults()
     QCOMPARE(action.ends.at(0).arguments, QVariantList { QStringLiteral("b") });
 }
 
-void TestCatalog::everyFieldIsRead()
+void tst_Catalog::everyFieldIsRead()
 {
     const Catalog read = readCatalog(
         R"({"configs": [{"id": "a", "type": "string", "value": "x", "status": -3}],
@@ -285,7 +285,7 @@ void TestCatalog::everyFieldIsRead()
     QCOMPARE(read.debugLogs, QStringList { QStringLiteral("LOG_DATA") });
 }
 
-void TestCatalog::theBuiltInCatalogCoversEveryType()
+void tst_Catalog::theBuiltInCatalogCoversEveryType()
 {
     const Catalog read = loadCatalog({});
     QStringList types;
@@ -305,7 +305,7 @@ void TestCatalog::theBuiltInCatalogCoversEveryType()
     QVERIFY(hasStatus);
 }
 
-void TestCatalog::theBuiltInCatalogCanRaiseEverySignalOfAnAction()
+void tst_Catalog::theBuiltInCatalogCanRaiseEverySignalOfAnAction()
 {
     QSet<QString> members;
     int driven = 0;
@@ -325,5 +325,5 @@ void TestCatalog::theBuiltInCatalogCanRaiseEverySignalOfAnAction()
     }
 }
 
-QTEST_GUILESS_MAIN(TestCatalog)
+QTEST_GUILESS_MAIN(tst_Catalog)
 #include "tst_catalog.moc"

@@ -6,11 +6,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 
-class TestCommand : public QObject
+class tst_Command : public QObject
 {
     Q_OBJECT
 
@@ -59,7 +59,7 @@ private:
     QByteArrayList environment;
 };
 
-void TestCommand::init()
+void tst_Command::init()
 {
     // The path of the private bus is part of its address.
     scratch =
@@ -74,12 +74,12 @@ void TestCommand::init()
     }
 }
 
-void TestCommand::cleanup()
+void tst_Command::cleanup()
 {
     QCOMPARE(leftovers(), QStringList());
 }
 
-void TestCommand::theStatusIsThatOfTheCommand_data()
+void tst_Command::theStatusIsThatOfTheCommand_data()
 {
     QTest::addColumn<QByteArrayList>("arguments");
     QTest::addColumn<QByteArray>("expected");
@@ -109,14 +109,14 @@ void TestCommand::theStatusIsThatOfTheCommand_data()
                                     << QByteArray("5||movra-sim: \"x\" is not an object path\n");
 }
 
-void TestCommand::theStatusIsThatOfTheCommand()
+void tst_Command::theStatusIsThatOfTheCommand()
 {
     QFETCH(QByteArrayList, arguments);
     QFETCH(QByteArray, expected);
     QCOMPARE(run(arguments), expected);
 }
 
-void TestCommand::outputThatCannotBeWrittenIsAnError()
+void tst_Command::outputThatCannotBeWrittenIsAnError()
 {
     Program program(MOVRA_SIM_PROGRAM, { "--help" }, environment, Program::Output::Full);
     QVERIFY(program.waitForEnd());
@@ -125,33 +125,33 @@ void TestCommand::outputThatCannotBeWrittenIsAnError()
              QByteArray("movra-sim: the output cannot be written: No space left on device\n"));
 }
 
-void TestCommand::theCommandCallsTheService()
+void tst_Command::theCommandCallsTheService()
 {
     QCOMPARE(run({ "--", "movra", "com.varn.tul", "/", "GET", ":config:data:ftp:port:" }),
              QByteArray("0|21\n|"));
 }
 
-void TestCommand::theOtherOptionsApplyToTheService()
+void tst_Command::theOtherOptionsApplyToTheService()
 {
     QCOMPARE(run({ "--service", "com.varn.other", "--path=/deep", "--fault", "GetStatus=silence",
                    "--", "movra", "com.varn.other", "/deep", "GET", ":config:data:ftp:port:" }),
              QByteArray("0|21\n|"));
 }
 
-void TestCommand::argumentsArriveByteForByte()
+void tst_Command::argumentsArriveByteForByte()
 {
     QCOMPARE(run({ "--", "printf", "%s|", "--", "--help", "\xff\xe4", "-qmljsdebugger=x", "" }),
              QByteArray("0|--|--help|\xff\xe4|-qmljsdebugger=x|||"));
 }
 
-void TestCommand::theStateDirectoryIsTemporary()
+void tst_Command::theStateDirectoryIsTemporary()
 {
     QCOMPARE(run({ "--", "sh", "-c",
                    "movra com.varn.tul / FILE SAVE night; cd \"$MOVRA_SIM_STATE\"; echo *" }),
              QByteArray("0|night\n|"));
 }
 
-void TestCommand::aChosenStateDirectoryStays()
+void tst_Command::aChosenStateDirectoryStays()
 {
     const QTemporaryDir state;
     QCOMPARE(run({ "--state", QFile::encodeName(state.path()), "--", "sh", "-c",
@@ -160,7 +160,7 @@ void TestCommand::aChosenStateDirectoryStays()
     QVERIFY(QFileInfo::exists(state.filePath(QStringLiteral("night"))));
 }
 
-void TestCommand::closedStreamsAreNoSockets()
+void tst_Command::closedStreamsAreNoSockets()
 {
     Program program("sh",
                     { "-c", "exec \"$0\" \"$@\" <&- >&- 2>&-", MOVRA_SIM_PROGRAM, "--", "sh", "-c",
@@ -175,7 +175,7 @@ void TestCommand::closedStreamsAreNoSockets()
     QVERIFY(answer.remove());
 }
 
-void TestCommand::withoutDbusDaemonThereIsAnError()
+void tst_Command::withoutDbusDaemonThereIsAnError()
 {
     environment.prepend("PATH=/nonexistent");
     environment.removeAt(1);
@@ -184,21 +184,21 @@ void TestCommand::withoutDbusDaemonThereIsAnError()
                         "No such file or directory\n"));
 }
 
-void TestCommand::theCommandContinuesWhenTheServiceVanishes()
+void tst_Command::theCommandContinuesWhenTheServiceVanishes()
 {
     QCOMPARE(run({ "--fault", "DBusServerStatus=vanish", "--", "sh", "-c",
                    "for run in 1 2; do movra com.varn.tul / SERVERSTAT; done; exit 5" }),
              QByteArray("5|Reply Not Valid     err=\nClient DBus Interface not valid, error: \n|"));
 }
 
-void TestCommand::signalsToTheSimulatorReachTheCommand_data()
+void tst_Command::signalsToTheSimulatorReachTheCommand_data()
 {
     QTest::addColumn<int>("number");
     QTest::newRow("SIGTERM") << SIGTERM;
     QTest::newRow("SIGHUP") << SIGHUP;
 }
 
-void TestCommand::signalsToTheSimulatorReachTheCommand()
+void tst_Command::signalsToTheSimulatorReachTheCommand()
 {
     QFETCH(int, number);
     Program program =
@@ -210,7 +210,7 @@ void TestCommand::signalsToTheSimulatorReachTheCommand()
     QCOMPARE(program.err, QByteArray());
 }
 
-void TestCommand::signalsOfTheTerminalEndBoth_data()
+void tst_Command::signalsOfTheTerminalEndBoth_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<int>("status");
@@ -220,7 +220,7 @@ void TestCommand::signalsOfTheTerminalEndBoth_data()
     QTest::newRow("the end of the process group") << QByteArray("TERM") << 143;
 }
 
-void TestCommand::signalsOfTheTerminalEndBoth()
+void tst_Command::signalsOfTheTerminalEndBoth()
 {
     QFETCH(QByteArray, name);
     QFETCH(int, status);
@@ -233,7 +233,7 @@ void TestCommand::signalsOfTheTerminalEndBoth()
     QCOMPARE(program.status, status);
 }
 
-void TestCommand::aCommandMayOutliveCtrlC()
+void tst_Command::aCommandMayOutliveCtrlC()
 {
     Program program("setsid",
                     { MOVRA_SIM_PROGRAM, "--", "sh", "-c",
@@ -244,7 +244,7 @@ void TestCommand::aCommandMayOutliveCtrlC()
     QCOMPARE(program.status, 4);
 }
 
-void TestCommand::signalsIgnoredAtTheStartStayIgnored()
+void tst_Command::signalsIgnoredAtTheStartStayIgnored()
 {
     Program program("setsid",
                     { "sh", "-c",
@@ -256,7 +256,7 @@ void TestCommand::signalsIgnoredAtTheStartStayIgnored()
     QCOMPARE(program.status, 0);
 }
 
-void TestCommand::aKilledSimulatorLeavesNoFiles()
+void tst_Command::aKilledSimulatorLeavesNoFiles()
 {
     Program program = start({ "--", "sh", "-c",
                               "movra com.varn.tul / FILE SAVE night; echo "
@@ -270,5 +270,5 @@ void TestCommand::aKilledSimulatorLeavesNoFiles()
     QTRY_COMPARE_WITH_TIMEOUT(leftovers(), QStringList(), patienceMs);
 }
 
-QTEST_GUILESS_MAIN(TestCommand)
+QTEST_GUILESS_MAIN(tst_Command)
 #include "tst_command.moc"

@@ -5,7 +5,7 @@
 #include <QDBusConnection>
 #include <QDBusVariant>
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QTest>
 
 namespace
 {
@@ -19,7 +19,7 @@ QString refusalBy(const char *sentence)
 
 } // namespace
 
-class TestFaults : public SimTest
+class tst_Faults : public SimTest
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private:
     }
 };
 
-void TestFaults::movraPrints_data()
+void tst_Faults::movraPrints_data()
 {
     QTest::addColumn<QString>("fault");
     QTest::addColumn<QStringList>("request");
@@ -73,7 +73,7 @@ void TestFaults::movraPrints_data()
     row("*=refuse", { text("SET"), port, text("22") }, "", 0);
 }
 
-void TestFaults::movraPrints()
+void tst_Faults::movraPrints()
 {
     QFETCH(QString, fault);
     QFETCH(QStringList, request);
@@ -88,14 +88,14 @@ void TestFaults::movraPrints()
     QCOMPARE(movra.exitCode(), status);
 }
 
-void TestFaults::aRefusedCallIsNotCarriedOut()
+void tst_Faults::aRefusedCallIsNotCarriedOut()
 {
     QVERIFY(startWith({ text("SetValue=refuse:a: b = c") }));
     QCOMPARE(answerTo(service->SetValue(port, QDBusVariant(text("22")))), refusalBy("a: b = c"));
     QCOMPARE(answerTo(service->GetValue(port)), text("v <21>"));
 }
 
-void TestFaults::theWrongTypeIsADouble()
+void tst_Faults::theWrongTypeIsADouble()
 {
     QVERIFY(startWith({ text("*=wrong-type") }));
     QCOMPARE(answerTo(service->GetValue(port)),
@@ -104,7 +104,7 @@ void TestFaults::theWrongTypeIsADouble()
     QCOMPARE(answerTo(service->StartConfigNotify()), text("d 1.5"));
 }
 
-void TestFaults::aDelayedCallDelaysNoOther()
+void tst_Faults::aDelayedCallDelaysNoOther()
 {
     QVERIFY(startWith({ text("GetValue=delay:3600000") }));
     const QDBusPendingCall delayed = service->GetValue(port);
@@ -114,14 +114,14 @@ void TestFaults::aDelayedCallDelaysNoOther()
     QVERIFY(answerTo(delayed).startsWith(text("org.freedesktop.DBus.Error.NoReply: ")));
 }
 
-void TestFaults::aDelayedCallIsNotCarriedOutAtOnce()
+void tst_Faults::aDelayedCallIsNotCarriedOutAtOnce()
 {
     QVERIFY(startWith({ text("SetValue=delay:3600000") }));
     service->SetValue(port, QDBusVariant(text("22")));
     QCOMPARE(answerTo(service->GetValue(port)), text("v <21>"));
 }
 
-void TestFaults::aDelayedCallIsCarriedOutLater()
+void tst_Faults::aDelayedCallIsCarriedOutLater()
 {
     QVERIFY(startWith({ text("SetValue=delay:200") }));
     QElapsedTimer clock;
@@ -131,7 +131,7 @@ void TestFaults::aDelayedCallIsCarriedOutLater()
     QCOMPARE(answerTo(service->GetValue(port)), text("v <22>"));
 }
 
-void TestFaults::delayedCallsKeepTheirOrder()
+void tst_Faults::delayedCallsKeepTheirOrder()
 {
     QVERIFY(startWith({ text("*=delay:20") }));
     for (const char *value : { "1", "2", "3", "4" }) {
@@ -140,7 +140,7 @@ void TestFaults::delayedCallsKeepTheirOrder()
     QCOMPARE(answerTo(service->GetValue(port)), text("v <4>"));
 }
 
-void TestFaults::aSilentCallDelaysNoOther()
+void tst_Faults::aSilentCallDelaysNoOther()
 {
     QVERIFY(startWith({ text("SetValue=silence") }));
     const QDBusPendingCall silent = service->SetValue(port, QDBusVariant(text("22")));
@@ -150,7 +150,7 @@ void TestFaults::aSilentCallDelaysNoOther()
     QVERIFY(answerTo(silent).startsWith(text("org.freedesktop.DBus.Error.NoReply: ")));
 }
 
-void TestFaults::aSimulatorThatVanishesSendsNothing()
+void tst_Faults::aSimulatorThatVanishesSendsNothing()
 {
     QVERIFY(startWith({ text("GetValue=vanish") }));
     // The closing signal of the earlier simulator arrives first.
@@ -168,7 +168,7 @@ void TestFaults::aSimulatorThatVanishesSendsNothing()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestFaults::theLastFaultOfAMemberCounts_data()
+void tst_Faults::theLastFaultOfAMemberCounts_data()
 {
     QTest::addColumn<QStringList>("faults");
     QTest::addColumn<QString>("answer");
@@ -204,7 +204,7 @@ void TestFaults::theLastFaultOfAMemberCounts_data()
                                  << refusalBy("This call is refused on demand.");
 }
 
-void TestFaults::theLastFaultOfAMemberCounts()
+void tst_Faults::theLastFaultOfAMemberCounts()
 {
     QFETCH(QStringList, faults);
     QFETCH(QString, answer);
@@ -212,7 +212,7 @@ void TestFaults::theLastFaultOfAMemberCounts()
     QCOMPARE(answerTo(service->GetValue(port)), answer);
 }
 
-void TestFaults::onlyOneCallFails()
+void tst_Faults::onlyOneCallFails()
 {
     QVERIFY(startWith({ text("GetValue=refuse:third@3"),
                         text("GetValue(:config:voip:jitter:)=refuse:second of it@2") }));
@@ -225,7 +225,7 @@ void TestFaults::onlyOneCallFails()
     QCOMPARE(answerTo(service->GetValue(jitter)), text("v <2.5>"));
 }
 
-void TestFaults::onlyCallsThatNameTheItemFail()
+void tst_Faults::onlyCallsThatNameTheItemFail()
 {
     QVERIFY(startWith({ text("SetValue(:config:data:ftp:port:)=refuse:no") }));
     const QString jitter = text(":config:voip:jitter:");
@@ -238,7 +238,7 @@ void TestFaults::onlyCallsThatNameTheItemFail()
              text("a(sv) [(':config:data:ftp:port:', <21>), (':config:voip:jitter:', <1>)]"));
 }
 
-void TestFaults::otherInterfacesHaveNoFaults()
+void tst_Faults::otherInterfacesHaveNoFaults()
 {
     QVERIFY(startWith({ text("*=silence") }));
     const QDBusMessage ping = QDBusMessage::createMethodCall(
@@ -250,5 +250,5 @@ void TestFaults::otherInterfacesHaveNoFaults()
                 .startsWith(text("org.freedesktop.DBus.Error.UnknownMethod: ")));
 }
 
-QTEST_GUILESS_MAIN(TestFaults)
+QTEST_GUILESS_MAIN(tst_Faults)
 #include "tst_faults.moc"

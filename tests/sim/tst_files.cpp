@@ -6,7 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 
@@ -74,7 +74,7 @@ constexpr const char *smallSaved = R"({
 
 } // namespace
 
-class TestFiles : public SimTest
+class tst_Files : public SimTest
 {
     Q_OBJECT
 
@@ -116,7 +116,7 @@ private:
     }
 };
 
-void TestFiles::savedValuesAreLoadedAlsoAfterARestart()
+void tst_Files::savedValuesAreLoadedAlsoAfterARestart()
 {
     set(port, "22");
     QCOMPARE(save(text("night")), text("b true"));
@@ -136,7 +136,7 @@ void TestFiles::savedValuesAreLoadedAlsoAfterARestart()
              QStringList { text("night") });
 }
 
-void TestFiles::theSavedTextKeepsEveryTypeExact()
+void tst_Files::theSavedTextKeepsEveryTypeExact()
 {
     QVERIFY(writeFile(text("catalog.json"), smallCatalog));
     QVERIFY(stop());
@@ -148,7 +148,7 @@ void TestFiles::theSavedTextKeepsEveryTypeExact()
     QCOMPARE(contentsOf(text("b")), QByteArray(smallSaved));
 }
 
-void TestFiles::loadedChangesAreAnnounced()
+void tst_Files::loadedChangesAreAnnounced()
 {
     save(text("night"));
     set(port, "23");
@@ -162,7 +162,7 @@ void TestFiles::loadedChangesAreAnnounced()
                             text("SigInfo configuration loaded from ") + pathOf(text("night")) }));
 }
 
-void TestFiles::aConfigThatIsNotInTheFileKeepsItsValue()
+void tst_Files::aConfigThatIsNotInTheFileKeepsItsValue()
 {
     set(port, "23");
     QVERIFY(writeFile(text("a"), R"({"format": 1, "configs": {":config:voip:jitter:": "1e3"}})"));
@@ -171,7 +171,7 @@ void TestFiles::aConfigThatIsNotInTheFileKeepsItsValue()
              text("a(sv) [(':config:data:ftp:port:', <23>), (':config:voip:jitter:', <1000>)]"));
 }
 
-void TestFiles::namesArePlain_data()
+void tst_Files::namesArePlain_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("answer");
@@ -206,7 +206,7 @@ void TestFiles::namesArePlain_data()
     QTest::newRow("blanks and colons") << text(" a: b ") << text("b true");
 }
 
-void TestFiles::namesArePlain()
+void tst_Files::namesArePlain()
 {
     QFETCH(QString, name);
     QFETCH(QString, answer);
@@ -216,7 +216,7 @@ void TestFiles::namesArePlain()
              answer == text("b true") ? QStringList { name } : QStringList());
 }
 
-void TestFiles::aDamagedFileChangesNothing_data()
+void tst_Files::aDamagedFileChangesNothing_data()
 {
     QTest::addColumn<QByteArray>("contents");
     QTest::addColumn<QString>("problem");
@@ -258,7 +258,7 @@ void TestFiles::aDamagedFileChangesNothing_data()
         "configs[\":config:data:ifnames:\"][1]: is a number, not a string");
 }
 
-void TestFiles::aDamagedFileChangesNothing()
+void tst_Files::aDamagedFileChangesNothing()
 {
     QFETCH(QByteArray, contents);
     QFETCH(QString, problem);
@@ -273,14 +273,14 @@ void TestFiles::aDamagedFileChangesNothing()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestFiles::aFileThatIsNotThereIsRefused()
+void tst_Files::aFileThatIsNotThereIsRefused()
 {
     QCOMPARE(load(text("none")),
              text("varn.pim.Error.File: Cannot read \"") + pathOf(text("none"))
                  + text("\": No such file or directory."));
 }
 
-void TestFiles::aFileThatIsTooLargeIsRefused()
+void tst_Files::aFileThatIsTooLargeIsRefused()
 {
     QFile file(pathOf(text("large")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -290,7 +290,7 @@ void TestFiles::aFileThatIsTooLargeIsRefused()
                  + text("\": it is larger than 16 MiB."));
 }
 
-void TestFiles::onlyRegularFilesAreReadOrWritten_data()
+void tst_Files::onlyRegularFilesAreReadOrWritten_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("a link to a file") << text("link");
@@ -299,14 +299,14 @@ void TestFiles::onlyRegularFilesAreReadOrWritten_data()
     QTest::newRow("a directory") << text("folder");
 }
 
-void TestFiles::onlyRegularFilesAreReadOrWritten()
+void tst_Files::onlyRegularFilesAreReadOrWritten()
 {
     QFETCH(QString, name);
     QVERIFY(writeFile(text("target"), R"({"format": 1, "configs": {}})"));
-    QCOMPARE(::symlink("target", qPrintable(pathOf(text("link")))), 0);
-    QCOMPARE(::symlink("nothing", qPrintable(pathOf(text("dangling")))), 0);
-    QCOMPARE(::mkfifo(qPrintable(pathOf(text("pipe"))), 0600), 0);
-    QCOMPARE(::mkdir(qPrintable(pathOf(text("folder"))), 0700), 0);
+    QCOMPARE(symlink("target", qPrintable(pathOf(text("link")))), 0);
+    QCOMPARE(symlink("nothing", qPrintable(pathOf(text("dangling")))), 0);
+    QCOMPARE(mkfifo(qPrintable(pathOf(text("pipe"))), 0600), 0);
+    QCOMPARE(mkdir(qPrintable(pathOf(text("folder"))), 0700), 0);
     QCOMPARE(save(name),
              text("varn.pim.Error.File: Cannot write \"") + pathOf(name)
                  + text("\": it is not a regular file."));
@@ -317,27 +317,27 @@ void TestFiles::onlyRegularFilesAreReadOrWritten()
     QVERIFY(!QFileInfo::exists(pathOf(text("nothing"))));
 }
 
-void TestFiles::anotherNameOfTheFileKeepsTheOldContents()
+void tst_Files::anotherNameOfTheFileKeepsTheOldContents()
 {
     QVERIFY(writeFile(text("night"), "old"));
-    QCOMPARE(::link(qPrintable(pathOf(text("night"))), qPrintable(pathOf(text("kept")))), 0);
+    QCOMPARE(link(qPrintable(pathOf(text("night"))), qPrintable(pathOf(text("kept")))), 0);
     QCOMPARE(save(text("night")), text("b true"));
     QCOMPARE(contentsOf(text("kept")), QByteArray("old"));
     QCOMPARE(load(text("night")), text("b true"));
 }
 
-void TestFiles::leftoversOfACrashDoNotPreventSaving()
+void tst_Files::leftoversOfACrashDoNotPreventSaving()
 {
     const QString leftover = text(".movra-sim.%1.new").arg(simulator->processId());
     QVERIFY(writeFile(text("target"), "kept"));
-    QCOMPARE(::symlink("target", qPrintable(pathOf(leftover))), 0);
+    QCOMPARE(symlink("target", qPrintable(pathOf(leftover))), 0);
     QCOMPARE(save(text("night")), text("b true"));
     QCOMPARE(contentsOf(text("target")), QByteArray("kept"));
     QCOMPARE(load(text("night")), text("b true"));
     QVERIFY(!QFileInfo(pathOf(leftover)).isSymLink());
 }
 
-void TestFiles::twoSimulatorsDoNotShareADirectory()
+void tst_Files::twoSimulatorsDoNotShareADirectory()
 {
     QProcess second;
     second.start(text(MOVRA_SIM_PROGRAM),
@@ -349,7 +349,7 @@ void TestFiles::twoSimulatorsDoNotShareADirectory()
                  .arg(state->path()));
 }
 
-void TestFiles::theNextStartRemovesAnUnfinishedFile()
+void tst_Files::theNextStartRemovesAnUnfinishedFile()
 {
     QVERIFY(writeFile(text(".movra-sim.new"), "half"));
     simulator->kill();
@@ -358,7 +358,7 @@ void TestFiles::theNextStartRemovesAnUnfinishedFile()
     QVERIFY(!QFileInfo::exists(pathOf(text(".movra-sim.new"))));
 }
 
-void TestFiles::aConfigurationAndTheDebugLogDoNotReplaceEachOther()
+void tst_Files::aConfigurationAndTheDebugLogDoNotReplaceEachOther()
 {
     QCOMPARE(save(text("night")), text("b true"));
     const QByteArray saved = contentsOf(text("night"));
@@ -375,7 +375,7 @@ void TestFiles::aConfigurationAndTheDebugLogDoNotReplaceEachOther()
     QCOMPARE(save(text("log")), text("b true"));
 }
 
-void TestFiles::theStateDirectoryIsMadeWhenFirstNeeded_data()
+void tst_Files::theStateDirectoryIsMadeWhenFirstNeeded_data()
 {
     QTest::addColumn<QString>("stateHome");
     QTest::addColumn<QString>("home");
@@ -388,7 +388,7 @@ void TestFiles::theStateDirectoryIsMadeWhenFirstNeeded_data()
         << text("state") << text("%1/home") << text("%1/home/.local/state/movra-sim");
 }
 
-void TestFiles::theStateDirectoryIsMadeWhenFirstNeeded()
+void tst_Files::theStateDirectoryIsMadeWhenFirstNeeded()
 {
     QFETCH(QString, stateHome);
     QFETCH(QString, home);
@@ -407,7 +407,7 @@ void TestFiles::theStateDirectoryIsMadeWhenFirstNeeded()
     QCOMPARE(load(text("night")), text("b true"));
 }
 
-void TestFiles::withoutAStateDirectoryFilesAreRefused()
+void tst_Files::withoutAStateDirectoryFilesAreRefused()
 {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.remove(text("XDG_STATE_HOME"));
@@ -420,5 +420,5 @@ void TestFiles::withoutAStateDirectoryFilesAreRefused()
              text("varn.pim.Error.File: Cannot write ") + reason);
 }
 
-QTEST_GUILESS_MAIN(TestFiles)
+QTEST_GUILESS_MAIN(tst_Files)
 #include "tst_files.moc"

@@ -4,7 +4,7 @@
 
 #include <QDBusVariant>
 #include <QFileInfo>
-#include <QtTest>
+#include <QTest>
 
 #include <unistd.h>
 
@@ -19,7 +19,7 @@ const QString percent = text(":result:data:ftp:percentTransfered:0:");
 
 } // namespace
 
-class TestLogs : public SimTest
+class tst_Logs : public SimTest
 {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ private:
     }
 };
 
-void TestLogs::everyEntryOfAStartedLogIsAnnounced()
+void tst_Logs::everyEntryOfAStartedLogIsAnnounced()
 {
     QCOMPARE(answerTo(service->LogStartNotify(text("config"))), QString());
     service->GetValue(port);
@@ -77,7 +77,7 @@ void TestLogs::everyEntryOfAStartedLogIsAnnounced()
              }));
 }
 
-void TestLogs::theFirstFieldChoosesTheLog()
+void tst_Logs::theFirstFieldChoosesTheLog()
 {
     QCOMPARE(answerTo(service->LogStartNotify(text("result"))), QString());
     for (const char *id :
@@ -96,7 +96,7 @@ void TestLogs::theFirstFieldChoosesTheLog()
         }));
 }
 
-void TestLogs::logsAreStartedAndStoppedSeparately()
+void tst_Logs::logsAreStartedAndStoppedSeparately()
 {
     service->LogStartNotify(text("result"));
     service->LogStartNotify(text("action"));
@@ -117,7 +117,7 @@ void TestLogs::logsAreStartedAndStoppedSeparately()
     QCOMPARE(lines.size(), 5);
 }
 
-void TestLogs::anUnknownLogIsRefused()
+void tst_Logs::anUnknownLogIsRefused()
 {
     const QString refusal = text("varn.pim.Error.UnknownId: There is no \"Config\" here.");
     QCOMPARE(answerTo(service->LogStartNotify(text("Config"))), refusal);
@@ -125,7 +125,7 @@ void TestLogs::anUnknownLogIsRefused()
     QCOMPARE(answerTo(service->LogClear(text("Config"))), refusal);
 }
 
-void TestLogs::theDebugLogIsInTheStateDirectory_data()
+void tst_Logs::theDebugLogIsInTheStateDirectory_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("name");
@@ -135,7 +135,7 @@ void TestLogs::theDebugLogIsInTheStateDirectory_data()
     QTest::newRow("a name beyond ASCII") << text("a\xc3\xa4 b") << text("a\xc3\xa4 b");
 }
 
-void TestLogs::theDebugLogIsInTheStateDirectory()
+void tst_Logs::theDebugLogIsInTheStateDirectory()
 {
     QFETCH(QString, value);
     QFETCH(QString, name);
@@ -145,7 +145,7 @@ void TestLogs::theDebugLogIsInTheStateDirectory()
     QCOMPARE(contentsOf(name), QByteArray());
 }
 
-void TestLogs::theDebugLogHasOneLineForEachEntry()
+void tst_Logs::theDebugLogHasOneLineForEachEntry()
 {
     command("SAVE_TO", "capture.txt");
     service->SetValue(port, QDBusVariant(text("22")));
@@ -165,7 +165,7 @@ void TestLogs::theDebugLogHasOneLineForEachEntry()
                    "DEBUG LOG_VOIP :config:voip:jitter: read\n"));
 }
 
-void TestLogs::theReportingLevelChoosesTheEntries_data()
+void tst_Logs::theReportingLevelChoosesTheEntries_data()
 {
     QTest::addColumn<QString>("level");
     QTest::addColumn<QByteArray>("contents");
@@ -182,7 +182,7 @@ void TestLogs::theReportingLevelChoosesTheEntries_data()
     QTest::newRow("level 4") << text("DEBUG4") << error + info + debug;
 }
 
-void TestLogs::theReportingLevelChoosesTheEntries()
+void tst_Logs::theReportingLevelChoosesTheEntries()
 {
     QFETCH(QString, level);
     QFETCH(QByteArray, contents);
@@ -194,7 +194,7 @@ void TestLogs::theReportingLevelChoosesTheEntries()
     QCOMPARE(contentsOf(text("capture.txt")), contents);
 }
 
-void TestLogs::debugLogsAreSwitchedByInstance()
+void tst_Logs::debugLogsAreSwitchedByInstance()
 {
     command("SAVE_TO", "capture.txt");
     command("SET_REPORTING_LEVEL", "DEBUG");
@@ -216,7 +216,7 @@ void TestLogs::debugLogsAreSwitchedByInstance()
                         "DEBUG LOG_DATA :result:data:ftp:percentTransfered:0: read\n"));
 }
 
-void TestLogs::debugLogsAreSwitchedAsAWhole()
+void tst_Logs::debugLogsAreSwitchedAsAWhole()
 {
     command("SAVE_TO", "capture.txt");
     QCOMPARE(command("SET_ALL", "LOG_DATA, DISABLED"), QString());
@@ -227,7 +227,7 @@ void TestLogs::debugLogsAreSwitchedAsAWhole()
              QByteArray("INFO LOG_DATA :config:data:ftp:port: set to 23\n"));
 }
 
-void TestLogs::theDebugLogEndsAt16MiB()
+void tst_Logs::theDebugLogEndsAt16MiB()
 {
     const QByteArray entry = "DEBUG LOG_DATA :result:data:ftp:percentTransfered:0: read\n";
     QCOMPARE(entry.size(), 58);
@@ -250,11 +250,11 @@ void TestLogs::theDebugLogEndsAt16MiB()
     QCOMPARE(QFileInfo(pathOf(text("capture.txt"))).size(), qint64(16777196));
 }
 
-void TestLogs::aNewFileReplacesTheOldOne()
+void tst_Logs::aNewFileReplacesTheOldOne()
 {
     QVERIFY(writeFile(text("capture.txt"), "old\n"));
     // The old file keeps its contents under its other name.
-    QCOMPARE(::link(qPrintable(pathOf(text("capture.txt"))), qPrintable(pathOf(text("kept.txt")))),
+    QCOMPARE(link(qPrintable(pathOf(text("capture.txt"))), qPrintable(pathOf(text("kept.txt")))),
              0);
     command("SAVE_TO", "capture.txt");
     service->SetValue(port, QDBusVariant(text("22"))).waitForFinished();
@@ -269,7 +269,7 @@ void TestLogs::aNewFileReplacesTheOldOne()
              QByteArray("INFO LOG_DATA :config:data:ftp:port: set to 23\n"));
 }
 
-void TestLogs::savingStops()
+void tst_Logs::savingStops()
 {
     QCOMPARE(command("SAVE_STOP", ""), QString());
     command("SAVE_TO", "capture.txt");
@@ -278,7 +278,7 @@ void TestLogs::savingStops()
     QCOMPARE(contentsOf(text("capture.txt")), QByteArray());
 }
 
-void TestLogs::commandsAreChecked_data()
+void tst_Logs::commandsAreChecked_data()
 {
     QTest::addColumn<QString>("word");
     QTest::addColumn<QString>("value");
@@ -328,7 +328,7 @@ void TestLogs::commandsAreChecked_data()
         "BadValue: SAVE_STOP takes no value, but \"x\" came with it.");
 }
 
-void TestLogs::commandsAreChecked()
+void tst_Logs::commandsAreChecked()
 {
     QFETCH(QString, word);
     QFETCH(QString, value);
@@ -336,12 +336,12 @@ void TestLogs::commandsAreChecked()
     QCOMPARE(answerTo(service->DbgLogCmd(word, value)), answer);
 }
 
-void TestLogs::anotherKindOfFileIsNotReplaced()
+void tst_Logs::anotherKindOfFileIsNotReplaced()
 {
     QVERIFY(writeFile(text("target"), "kept"));
-    QCOMPARE(::symlink("target", qPrintable(pathOf(text("link")))), 0);
-    QCOMPARE(::mkfifo(qPrintable(pathOf(text("pipe"))), 0600), 0);
-    QCOMPARE(::mkdir(qPrintable(pathOf(text("folder"))), 0700), 0);
+    QCOMPARE(symlink("target", qPrintable(pathOf(text("link")))), 0);
+    QCOMPARE(mkfifo(qPrintable(pathOf(text("pipe"))), 0600), 0);
+    QCOMPARE(mkdir(qPrintable(pathOf(text("folder"))), 0700), 0);
     for (const char *name : { "link", "pipe", "folder" }) {
         QCOMPARE(command("SAVE_TO", name),
                  text("varn.pim.Error.File: Cannot write \"") + pathOf(text(name))
@@ -351,5 +351,5 @@ void TestLogs::anotherKindOfFileIsNotReplaced()
     QVERIFY(QFileInfo(pathOf(text("link"))).isSymLink());
 }
 
-QTEST_GUILESS_MAIN(TestLogs)
+QTEST_GUILESS_MAIN(tst_Logs)
 #include "tst_logs.moc"

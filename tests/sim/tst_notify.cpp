@@ -4,7 +4,7 @@
 
 #include <QDBusVariant>
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 #include <vector>
@@ -18,7 +18,7 @@ const QString percent = text(":result:data:ftp:percentTransfered:0:");
 
 } // namespace
 
-class TestNotify : public SimTest
+class tst_Notify : public SimTest
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private:
     }
 };
 
-void TestNotify::changesAreAnnouncedAtOnceWithIntervalZero()
+void tst_Notify::changesAreAnnouncedAtOnceWithIntervalZero()
 {
     setIntervals(0);
     service->AddToNotifyList(QStringList { port, user });
@@ -70,7 +70,7 @@ void TestNotify::changesAreAnnouncedAtOnceWithIntervalZero()
                             text("SigUpdate :config:data:ftp:port:=24") }));
 }
 
-void TestNotify::aTickAnnouncesTheLatestValuesInCatalogueOrder()
+void tst_Notify::aTickAnnouncesTheLatestValuesInCatalogueOrder()
 {
     setIntervals(3600000);
     service->AddToNotifyList(QStringList { port, user });
@@ -86,7 +86,7 @@ void TestNotify::aTickAnnouncesTheLatestValuesInCatalogueOrder()
                             text("SigUpdate :config:data:ftp:port:=23") }));
 }
 
-void TestNotify::theDefaultIntervalIsOneSecond()
+void tst_Notify::theDefaultIntervalIsOneSecond()
 {
     service->AddToNotifyList(port);
     QElapsedTimer elapsed;
@@ -98,7 +98,7 @@ void TestNotify::theDefaultIntervalIsOneSecond()
     QVERIFY2(elapsed.elapsed() >= 940, qPrintable(QString::number(elapsed.elapsed())));
 }
 
-void TestNotify::onlyListedItemsAreAnnounced()
+void tst_Notify::onlyListedItemsAreAnnounced()
 {
     setIntervals(0);
     service->AddToNotifyList(port);
@@ -108,7 +108,7 @@ void TestNotify::onlyListedItemsAreAnnounced()
     QCOMPARE(takeHeard(), QStringList { text("SigUpdate :config:data:ftp:port:=22") });
 }
 
-void TestNotify::theSameValueIsNoChange()
+void tst_Notify::theSameValueIsNoChange()
 {
     setIntervals(0);
     service->AddToNotifyList(port);
@@ -118,7 +118,7 @@ void TestNotify::theSameValueIsNoChange()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestNotify::nothingIsAnnouncedBeforeTheStartOrAfterTheStop()
+void tst_Notify::nothingIsAnnouncedBeforeTheStartOrAfterTheStop()
 {
     setIntervals(0);
     service->AddToNotifyList(port);
@@ -133,7 +133,7 @@ void TestNotify::nothingIsAnnouncedBeforeTheStartOrAfterTheStop()
     QCOMPARE(takeHeard(), QStringList { text("SigUpdate :config:data:ftp:port:=23") });
 }
 
-void TestNotify::anotherStartChangesNothing()
+void tst_Notify::anotherStartChangesNothing()
 {
     setIntervals(0);
     service->AddToNotifyList(QStringList { port, port });
@@ -143,7 +143,7 @@ void TestNotify::anotherStartChangesNothing()
     QCOMPARE(takeHeard(), QStringList { text("SigUpdate :config:data:ftp:port:=22") });
 }
 
-void TestNotify::configsAndResultsAreStartedSeparately()
+void tst_Notify::configsAndResultsAreStartedSeparately()
 {
     setIntervals(0);
     service->AddToNotifyList(QStringList { port, percent });
@@ -162,7 +162,7 @@ void TestNotify::configsAndResultsAreStartedSeparately()
     QCOMPARE(takeHeard(), QStringList { text("SigUpdate :config:data:ftp:port:=22") });
 }
 
-void TestNotify::deletedAndClearedItemsAreForgotten()
+void tst_Notify::deletedAndClearedItemsAreForgotten()
 {
     setIntervals(0);
     const QString measure = text(":action:data:ftp:download:");
@@ -189,7 +189,7 @@ void TestNotify::deletedAndClearedItemsAreForgotten()
                             text("SigTestComplete :action:data:ftp:download:") }));
 }
 
-void TestNotify::arraysAreJoinedByBlanks()
+void tst_Notify::arraysAreJoinedByBlanks()
 {
     setIntervals(0);
     service->AddToNotifyList(
@@ -205,7 +205,7 @@ void TestNotify::arraysAreJoinedByBlanks()
                             text("SigUpdate :config:voip:delay:doubleARRAY:=") }));
 }
 
-void TestNotify::anUnknownIdDoesNotChangeTheList()
+void tst_Notify::anUnknownIdDoesNotChangeTheList()
 {
     setIntervals(0);
     QCOMPARE(answerTo(service->AddToNotifyList(QStringList { port, text("unknown") })),
@@ -215,7 +215,7 @@ void TestNotify::anUnknownIdDoesNotChangeTheList()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestNotify::intervalsAreChecked_data()
+void tst_Notify::intervalsAreChecked_data()
 {
     QTest::addColumn<QString>("word");
     QTest::addColumn<QVariant>("value");
@@ -247,7 +247,7 @@ void TestNotify::intervalsAreChecked_data()
     row("no word", "", 100, "varn.pim.Error.UnknownCommand: There is no command \"\".");
 }
 
-void TestNotify::intervalsAreChecked()
+void tst_Notify::intervalsAreChecked()
 {
     QFETCH(QString, word);
     QFETCH(QVariant, value);
@@ -255,5 +255,5 @@ void TestNotify::intervalsAreChecked()
     QCOMPARE(answerTo(service->DBusServerCmd(word, QDBusVariant(value))), answer);
 }
 
-QTEST_GUILESS_MAIN(TestNotify)
+QTEST_GUILESS_MAIN(tst_Notify)
 #include "tst_notify.moc"

@@ -9,7 +9,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 
@@ -74,7 +74,7 @@ constexpr const char *help =
 
 } // namespace
 
-class TestProgram : public QObject
+class tst_Program : public QObject
 {
     Q_OBJECT
 
@@ -117,7 +117,7 @@ private:
     QProcessEnvironment environment;
 };
 
-void TestProgram::init()
+void tst_Program::init()
 {
     directory = std::make_unique<QTemporaryDir>();
     environment = QProcessEnvironment::systemEnvironment();
@@ -125,7 +125,7 @@ void TestProgram::init()
     environment.remove(text("XDG_STATE_HOME"));
 }
 
-void TestProgram::helpAndVersionNeedNoBus_data()
+void tst_Program::helpAndVersionNeedNoBus_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("expected");
@@ -140,7 +140,7 @@ void TestProgram::helpAndVersionNeedNoBus_data()
                              << text("0|movra-sim " MOVRA_SIM_VERSION "\n|");
 }
 
-void TestProgram::helpAndVersionNeedNoBus()
+void tst_Program::helpAndVersionNeedNoBus()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, expected);
@@ -148,7 +148,7 @@ void TestProgram::helpAndVersionNeedNoBus()
     QCOMPARE(run(arguments), expected);
 }
 
-void TestProgram::theManualNamesEveryOptionAndStatus()
+void tst_Program::theManualNamesEveryOptionAndStatus()
 {
     QFile file(text(MOVRA_SIM_MANUAL));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -170,7 +170,7 @@ void TestProgram::theManualNamesEveryOptionAndStatus()
     }
 }
 
-void TestProgram::everyErrorHasItsLineAndItsStatus_data()
+void tst_Program::everyErrorHasItsLineAndItsStatus_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("expected");
@@ -282,7 +282,7 @@ void TestProgram::everyErrorHasItsLineAndItsStatus_data()
         "6||movra-sim: the state directory cannot be used: its name is empty\n");
 }
 
-void TestProgram::everyErrorHasItsLineAndItsStatus()
+void tst_Program::everyErrorHasItsLineAndItsStatus()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, expected);
@@ -298,7 +298,7 @@ void TestProgram::everyErrorHasItsLineAndItsStatus()
     QCOMPARE(run(arguments), expected);
 }
 
-void TestProgram::aTakenNameStaysWithItsOwner()
+void tst_Program::aTakenNameStaysWithItsOwner()
 {
     QProcess first;
     QVERIFY(startSimulator(first, {}));
@@ -310,7 +310,7 @@ void TestProgram::aTakenNameStaysWithItsOwner()
     QVERIFY(endSimulator(first, SIGTERM));
 }
 
-void TestProgram::withoutABusThereIsAnError()
+void tst_Program::withoutABusThereIsAnError()
 {
     environment.insert(text("DBUS_SESSION_BUS_ADDRESS"), text("unix:path=/nonexistent"));
     QCOMPARE(
@@ -319,7 +319,7 @@ void TestProgram::withoutABusThereIsAnError()
              "No such file or directory\n"));
 }
 
-void TestProgram::aSignalEndsTheProgramInOrder_data()
+void tst_Program::aSignalEndsTheProgramInOrder_data()
 {
     QTest::addColumn<int>("number");
     QTest::newRow("SIGINT") << SIGINT;
@@ -327,7 +327,7 @@ void TestProgram::aSignalEndsTheProgramInOrder_data()
     QTest::newRow("SIGHUP") << SIGHUP;
 }
 
-void TestProgram::aSignalEndsTheProgramInOrder()
+void tst_Program::aSignalEndsTheProgramInOrder()
 {
     QFETCH(int, number);
     QProcess simulator;
@@ -350,7 +350,7 @@ void TestProgram::aSignalEndsTheProgramInOrder()
     QCOMPARE(simulator.readAllStandardError(), QByteArray());
 }
 
-void TestProgram::signalsIgnoredAtTheStartStayIgnored()
+void tst_Program::signalsIgnoredAtTheStartStayIgnored()
 {
     QProcess simulator;
     simulator.start(text("sh"), { text("-c"), text("trap '' HUP INT; exec " MOVRA_SIM_PROGRAM) });
@@ -361,13 +361,13 @@ void TestProgram::signalsIgnoredAtTheStartStayIgnored()
                             nullptr);
     QSignalSpy closings(&service, &KorAppInterface::SigDBusServerClosing);
     const auto pid = static_cast<pid_t>(simulator.processId());
-    QCOMPARE(::kill(pid, SIGHUP) + ::kill(pid, SIGINT), 0);
+    QCOMPARE(kill(pid, SIGHUP) + kill(pid, SIGINT), 0);
     QCOMPARE(answerTo(service.DBusServerStatus()), text("i 0"));
     QCOMPARE(closings.count(), 0);
     QVERIFY(endSimulator(simulator, SIGTERM));
 }
 
-void TestProgram::optionsSetNameAndPath()
+void tst_Program::optionsSetNameAndPath()
 {
     QProcess simulator;
     QVERIFY(startSimulator(
@@ -385,7 +385,7 @@ void TestProgram::optionsSetNameAndPath()
     QVERIFY(endSimulator(simulator, SIGTERM));
 }
 
-void TestProgram::aRelativeStateDirectoryIsMadeAtTheStart()
+void tst_Program::aRelativeStateDirectoryIsMadeAtTheStart()
 {
     QProcess simulator;
     simulator.setWorkingDirectory(directory->path());
@@ -401,7 +401,7 @@ void TestProgram::aRelativeStateDirectoryIsMadeAtTheStart()
     QVERIFY(endSimulator(simulator, SIGTERM));
 }
 
-void TestProgram::noFileIsMadeWithoutNeed()
+void tst_Program::noFileIsMadeWithoutNeed()
 {
     QProcess simulator;
     simulator.setProcessEnvironment(environment);
@@ -413,5 +413,5 @@ void TestProgram::noFileIsMadeWithoutNeed()
         QStringList());
 }
 
-QTEST_GUILESS_MAIN(TestProgram)
+QTEST_GUILESS_MAIN(tst_Program)
 #include "tst_program.moc"

@@ -6,7 +6,7 @@
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <functional>
@@ -30,7 +30,7 @@ QDBusPendingCall callOf(const char *member, const QVariantList &arguments)
 
 } // namespace
 
-class TestRecord : public SimTest
+class tst_Record : public SimTest
 {
     Q_OBJECT
 
@@ -59,7 +59,7 @@ private:
     }
 };
 
-void TestRecord::aCallIsOneLine_data()
+void tst_Record::aCallIsOneLine_data()
 {
     QTest::addColumn<QString>("fault");
     QTest::addColumn<Call>("call");
@@ -124,7 +124,7 @@ void TestRecord::aCallIsOneLine_data()
         R"x({"call":"GetStatus","signature":"s","arguments":[":config:data:ftp:port:"],"answer":[1.5]})x");
 }
 
-void TestRecord::aCallIsOneLine()
+void tst_Record::aCallIsOneLine()
 {
     QFETCH(QString, fault);
     QFETCH(Call, call);
@@ -136,7 +136,7 @@ void TestRecord::aCallIsOneLine()
     QCOMPARE(lines(), QStringList { line });
 }
 
-void TestRecord::signalsAreLinesInTheirOrder()
+void tst_Record::signalsAreLinesInTheirOrder()
 {
     QVERIFY(startWithRecord({ text("--fault"), text("GetStatus=silence") }));
     service->GetStatus(port);
@@ -161,7 +161,7 @@ void TestRecord::signalsAreLinesInTheirOrder()
         }));
 }
 
-void TestRecord::everyRecordHasATimeAndEveryCallASender()
+void tst_Record::everyRecordHasATimeAndEveryCallASender()
 {
     QVERIFY(startWithRecord());
     service->DBusServerStatus().waitForFinished();
@@ -173,7 +173,7 @@ void TestRecord::everyRecordHasATimeAndEveryCallASender()
     QVERIFY2(form.match(line).hasMatch(), qPrintable(line));
 }
 
-void TestRecord::theRecordMayGoToStandardOutput()
+void tst_Record::theRecordMayGoToStandardOutput()
 {
     QVERIFY(stop());
     QVERIFY(start({ text("--log"), text("-") }));
@@ -184,7 +184,7 @@ void TestRecord::theRecordMayGoToStandardOutput()
              line.constData());
 }
 
-void TestRecord::aRecordThatCannotBeWrittenEndsTheProgram_data()
+void tst_Record::aRecordThatCannotBeWrittenEndsTheProgram_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<bool>("starts");
@@ -198,7 +198,7 @@ void TestRecord::aRecordThatCannotBeWrittenEndsTheProgram_data()
                       "device\n");
 }
 
-void TestRecord::aRecordThatCannotBeWrittenEndsTheProgram()
+void tst_Record::aRecordThatCannotBeWrittenEndsTheProgram()
 {
     QFETCH(QString, file);
     QFETCH(bool, starts);
@@ -214,5 +214,5 @@ void TestRecord::aRecordThatCannotBeWrittenEndsTheProgram()
     QCOMPARE(process.readAllStandardError(), complaint);
 }
 
-QTEST_GUILESS_MAIN(TestRecord)
+QTEST_GUILESS_MAIN(tst_Record)
 #include "tst_record.moc"

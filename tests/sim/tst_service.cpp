@@ -7,7 +7,7 @@
 #include <QDBusVariant>
 #include <QFile>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 #include <QXmlStreamReader>
 
 #include <functional>
@@ -44,7 +44,7 @@ QVariant exampleOf(const QString &signature)
 
 } // namespace
 
-class TestService : public SimTest
+class tst_Service : public SimTest
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private Q_SLOTS:
     void largeAndDeepArgumentsAreRefused();
 };
 
-void TestService::everyMethodAnswers_data()
+void tst_Service::everyMethodAnswers_data()
 {
     QTest::addColumn<Call>("call");
     QTest::addColumn<QString>("answer");
@@ -210,14 +210,14 @@ void TestService::everyMethodAnswers_data()
         "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa...\" here.");
 }
 
-void TestService::everyMethodAnswers()
+void tst_Service::everyMethodAnswers()
 {
     QFETCH(Call, call);
     QFETCH(QString, answer);
     QCOMPARE(answerTo(call(*service)), answer);
 }
 
-void TestService::everyMethodOfTheInterfaceExists()
+void tst_Service::everyMethodOfTheInterfaceExists()
 {
     QFile file(text(MOVRA_INTERFACE_FILE));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -244,7 +244,7 @@ void TestService::everyMethodOfTheInterfaceExists()
     QCOMPARE(methods, 33);
 }
 
-void TestService::introspectAnswersTheInterfaceFile()
+void tst_Service::introspectAnswersTheInterfaceFile()
 {
     QFile file(text(MOVRA_INTERFACE_FILE));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -258,7 +258,7 @@ void TestService::introspectAnswersTheInterfaceFile()
     QCOMPARE(interface.match(reply.arguments().value(0).toString()).captured(), wanted);
 }
 
-void TestService::otherCallsAreUnknown_data()
+void tst_Service::otherCallsAreUnknown_data()
 {
     QTest::addColumn<QString>("interface");
     QTest::addColumn<QString>("member");
@@ -290,7 +290,7 @@ void TestService::otherCallsAreUnknown_data()
                 "object path '/'");
 }
 
-void TestService::otherCallsAreUnknown()
+void tst_Service::otherCallsAreUnknown()
 {
     QFETCH(QString, interface);
     QFETCH(QString, member);
@@ -302,7 +302,7 @@ void TestService::otherCallsAreUnknown()
     QCOMPARE(answerTo(QDBusConnection::sessionBus().asyncCall(message)), answer);
 }
 
-void TestService::aCallWithoutAnInterfaceIsAnswered()
+void tst_Service::aCallWithoutAnInterfaceIsAnswered()
 {
     const QDBusMessage call =
         QDBusMessage::createMethodCall(text("com.varn.tul"), text("/"), {}, text("LogGetIds"));
@@ -310,7 +310,7 @@ void TestService::aCallWithoutAnInterfaceIsAnswered()
              text("s 'config result action'"));
 }
 
-void TestService::aCallWithoutAReplyGetsNone()
+void tst_Service::aCallWithoutAReplyGetsNone()
 {
     QProcess monitor;
     monitor.start(text("dbus-monitor"), { text("--session") });
@@ -339,7 +339,7 @@ void TestService::aCallWithoutAReplyGetsNone()
     QVERIFY(monitor.waitForFinished());
 }
 
-void TestService::largeAndDeepArgumentsAreRefused()
+void tst_Service::largeAndDeepArgumentsAreRefused()
 {
     QVariant deep = text("x");
     for (int depth = 0; depth < 30; ++depth) {
@@ -379,5 +379,5 @@ void TestService::largeAndDeepArgumentsAreRefused()
     QCOMPARE(answerTo(service->DBusServerStatus()), text("i 0"));
 }
 
-QTEST_GUILESS_MAIN(TestService)
+QTEST_GUILESS_MAIN(tst_Service)
 #include "tst_service.moc"

@@ -3,11 +3,11 @@
 #include "tests/sim/simrun.h"
 
 #include <QDBusVariant>
-#include <QtTest>
+#include <QTest>
 
 #include <vector>
 
-class TestSetting : public SimTest
+class tst_Setting : public SimTest
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ private:
     }
 };
 
-void TestSetting::textBecomesTheTypeOfTheItem_data()
+void tst_Setting::textBecomesTheTypeOfTheItem_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QString>("value");
@@ -49,7 +49,7 @@ void TestSetting::textBecomesTheTypeOfTheItem_data()
     row("a double", ":config:voip:jitter:", "1e-3", "v <0.001>");
 }
 
-void TestSetting::textBecomesTheTypeOfTheItem()
+void tst_Setting::textBecomesTheTypeOfTheItem()
 {
     QFETCH(QString, id);
     QFETCH(QString, value);
@@ -59,7 +59,7 @@ void TestSetting::textBecomesTheTypeOfTheItem()
     QCOMPARE(takeHeard(), QStringList());
 }
 
-void TestSetting::typedValuesAreSetUnchanged_data()
+void tst_Setting::typedValuesAreSetUnchanged_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QVariant>("value");
@@ -94,7 +94,7 @@ void TestSetting::typedValuesAreSetUnchanged_data()
         "v <[-9223372036854775807]>");
 }
 
-void TestSetting::typedValuesAreSetUnchanged()
+void tst_Setting::typedValuesAreSetUnchanged()
 {
     QFETCH(QString, id);
     QFETCH(QVariant, value);
@@ -103,7 +103,7 @@ void TestSetting::typedValuesAreSetUnchanged()
     QCOMPARE(answerTo(service->GetValue(id)), answer);
 }
 
-void TestSetting::valuesThatDoNotFitAreRefused_data()
+void tst_Setting::valuesThatDoNotFitAreRefused_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QVariant>("value");
@@ -153,7 +153,7 @@ void TestSetting::valuesThatDoNotFitAreRefused_data()
         "type \"ai\".");
 }
 
-void TestSetting::valuesThatDoNotFitAreRefused()
+void tst_Setting::valuesThatDoNotFitAreRefused()
 {
     QFETCH(QString, id);
     QFETCH(QVariant, value);
@@ -165,7 +165,7 @@ void TestSetting::valuesThatDoNotFitAreRefused()
     QCOMPARE(takeHeard(), QStringList { text("SigError ") + sentence });
 }
 
-void TestSetting::aListIsSetInOrder()
+void tst_Setting::aListIsSetInOrder()
 {
     const QString port = text(":config:data:ftp:port:");
     const QString names = text(":config:data:ifnames:");
@@ -177,7 +177,7 @@ void TestSetting::aListIsSetInOrder()
     QCOMPARE(answerTo(service->SetValue(QList<IdValueStruct> {})), QString());
 }
 
-void TestSetting::aListIsSetAsAWholeOrNotAtAll()
+void tst_Setting::aListIsSetAsAWholeOrNotAtAll()
 {
     const QString port = text(":config:data:ftp:port:");
     QCOMPARE(
@@ -191,5 +191,5 @@ void TestSetting::aListIsSetAsAWholeOrNotAtAll()
                  "SigError \":result:voip:call:active:\" is a result, which cannot be set.") });
 }
 
-QTEST_GUILESS_MAIN(TestSetting)
+QTEST_GUILESS_MAIN(tst_Setting)
 #include "tst_setting.moc"

@@ -4,9 +4,9 @@
 #include "tests/support/patience.h"
 
 #include <QDBusVariant>
-#include <QtTest>
+#include <QTest>
 
-class TestTimeline : public SimTest
+class tst_Timeline : public SimTest
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private:
     }
 };
 
-void TestTimeline::entriesOfOneTimeComeInCatalogueOrder()
+void tst_Timeline::entriesOfOneTimeComeInCatalogueOrder()
 {
     QVERIFY(startWith(R"([
         {"at": 1, "signal": "SigAlarm", "message": "four"},
@@ -54,7 +54,7 @@ void TestTimeline::entriesOfOneTimeComeInCatalogueOrder()
                             text("SigAlarm four") }));
 }
 
-void TestTimeline::repeatedChangesAreAnnounced()
+void tst_Timeline::repeatedChangesAreAnnounced()
 {
     QVERIFY(startWith(R"([
         {"at": 0, "every": 40, "id": ":result:a:", "value": [2, 3]},
@@ -69,7 +69,7 @@ void TestTimeline::repeatedChangesAreAnnounced()
     QVERIFY(hear(text("SigInfo log result: :result:a: changed to 2 3")));
 }
 
-void TestTimeline::aStatusChangesWithoutItsValue()
+void tst_Timeline::aStatusChangesWithoutItsValue()
 {
     QVERIFY(startWith(R"([{"every": 10, "id": ":config:a:", "status": -5},
                           {"at": 5, "every": 10, "id": ":config:a:", "status": 7}])"));
@@ -84,7 +84,7 @@ void TestTimeline::aStatusChangesWithoutItsValue()
     QVERIFY(hear(text("SigInfo log config: :config:a: has status 7")));
 }
 
-void TestTimeline::aChangedConfigCanBeSetAgain()
+void tst_Timeline::aChangedConfigCanBeSetAgain()
 {
     QVERIFY(startWith(R"([{"at": 0, "id": ":config:a:", "value": "second"}])"));
     QTRY_COMPARE_WITH_TIMEOUT(answerTo(service->GetValue(text(":config:a:"))), text("v <'second'>"),
@@ -94,7 +94,7 @@ void TestTimeline::aChangedConfigCanBeSetAgain()
              text("(svi) (':config:a:', <'third'>, 3)"));
 }
 
-void TestTimeline::theTimeBeginsWithTheService()
+void tst_Timeline::theTimeBeginsWithTheService()
 {
     QVERIFY(startWith(R"([{"at": 3600000, "id": ":config:a:", "value": "second"},
                           {"every": 3600000, "signal": "SigAlarm", "message": "late"},
@@ -106,5 +106,5 @@ void TestTimeline::theTimeBeginsWithTheService()
     QCOMPARE(answerTo(service->GetValue(text(":config:a:"))), text("v <'first'>"));
 }
 
-QTEST_GUILESS_MAIN(TestTimeline)
+QTEST_GUILESS_MAIN(tst_Timeline)
 #include "tst_timeline.moc"

@@ -5,7 +5,7 @@
 
 #include <QDBusObjectPath>
 #include <QDBusVariant>
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 #include <cstdint>
@@ -48,7 +48,7 @@ void addRow(const char *name, const char *type, const QString &given, const QStr
 
 } // namespace
 
-class TestValues : public QObject
+class tst_Values : public QObject
 {
     Q_OBJECT
 
@@ -71,12 +71,12 @@ private Q_SLOTS:
     void sizesCountEveryElement();
 };
 
-void TestValues::initTestCase()
+void tst_Values::initTestCase()
 {
     registerBusTypes();
 }
 
-void TestValues::everyTypeHasANameAndASignature_data()
+void tst_Values::everyTypeHasANameAndASignature_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("signature");
@@ -101,7 +101,7 @@ void TestValues::everyTypeHasANameAndASignature_data()
     row("double[]", "ad", true, false);
 }
 
-void TestValues::everyTypeHasANameAndASignature()
+void tst_Values::everyTypeHasANameAndASignature()
 {
     QFETCH(QString, name);
     QFETCH(QString, signature);
@@ -116,14 +116,14 @@ void TestValues::everyTypeHasANameAndASignature()
     QCOMPARE(type->isNumber, number);
 }
 
-void TestValues::unknownTypeNamesAreNotTypes()
+void tst_Values::unknownTypeNamesAreNotTypes()
 {
     for (const char *name : { "", "Int32", "int", "float", "int32[", "int32[][]", "bool[]" }) {
         QVERIFY2(typeNamed(QString::fromLatin1(name)) == nullptr, name);
     }
 }
 
-void TestValues::jsonBecomesAValue_data()
+void tst_Values::jsonBecomesAValue_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("given");
@@ -219,7 +219,7 @@ void TestValues::jsonBecomesAValue_data()
     row("an array among doubles", "double[]", "[1, [2]]", "! here[1]: is an array, not a number");
 }
 
-void TestValues::jsonBecomesAValue()
+void tst_Values::jsonBecomesAValue()
 {
     QFETCH(QString, type);
     QFETCH(QString, given);
@@ -229,7 +229,7 @@ void TestValues::jsonBecomesAValue()
     QCOMPARE(outcome(typeOf(type), convert), expected);
 }
 
-void TestValues::textBecomesAValue_data()
+void tst_Values::textBecomesAValue_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("given");
@@ -273,7 +273,7 @@ void TestValues::textBecomesAValue_data()
     row("no text is an array", "int32[]", "1 2", "! here: is an array, not a single value");
 }
 
-void TestValues::textBecomesAValue()
+void tst_Values::textBecomesAValue()
 {
     QFETCH(QString, type);
     QFETCH(QString, given);
@@ -282,7 +282,7 @@ void TestValues::textBecomesAValue()
     QCOMPARE(outcome(typeOf(type), convert), expected);
 }
 
-void TestValues::nanHasNoSign()
+void tst_Values::nanHasNoSign()
 {
     for (const char *text : { "nan", "-nan" }) {
         const QVariant value =
@@ -291,7 +291,7 @@ void TestValues::nanHasNoSign()
     }
 }
 
-void TestValues::busValuesMustHaveTheVeryType_data()
+void tst_Values::busValuesMustHaveTheVeryType_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<QVariant>("given");
@@ -333,7 +333,7 @@ void TestValues::busValuesMustHaveTheVeryType_data()
         "! here: a value of D-Bus type \"\" is not of type \"s\"");
 }
 
-void TestValues::busValuesMustHaveTheVeryType()
+void tst_Values::busValuesMustHaveTheVeryType()
 {
     QFETCH(QString, type);
     QFETCH(QVariant, given);
@@ -341,7 +341,7 @@ void TestValues::busValuesMustHaveTheVeryType()
     QCOMPARE(outcomeFromBus(typeOf(type), given), expected);
 }
 
-void TestValues::limitsHoldForWhatComesFromTheBus()
+void tst_Values::limitsHoldForWhatComesFromTheBus()
 {
     const QString longest(1048576, QLatin1Char('a'));
     QCOMPARE(outcomeFromBus(typeOf(QStringLiteral("string")), longest), longest);
@@ -358,7 +358,7 @@ void TestValues::limitsHoldForWhatComesFromTheBus()
              QStringLiteral("! here: there are more than 65536 elements"));
 }
 
-void TestValues::jsonGivesBackTheSameValue_data()
+void tst_Values::jsonGivesBackTheSameValue_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("json");
@@ -384,7 +384,7 @@ void TestValues::jsonGivesBackTheSameValue_data()
     row("an empty array", "double[]", "[]");
 }
 
-void TestValues::jsonGivesBackTheSameValue()
+void tst_Values::jsonGivesBackTheSameValue()
 {
     QFETCH(QString, type);
     QFETCH(QString, json);
@@ -392,7 +392,7 @@ void TestValues::jsonGivesBackTheSameValue()
     QVERIFY(typeOf(type).toJson(value) == jsonOf(json));
 }
 
-void TestValues::jsonKnowsEveryDifference()
+void tst_Values::jsonKnowsEveryDifference()
 {
     const auto sameJson = [](const char *type, const QVariant &left, const QVariant &right) {
         const ValueType &found = typeOf(QString::fromLatin1(type));
@@ -412,7 +412,7 @@ void TestValues::jsonKnowsEveryDifference()
                       QVariant::fromValue(std::vector<double> { 1 })));
 }
 
-void TestValues::sizesCountEveryElement()
+void tst_Values::sizesCountEveryElement()
 {
     QCOMPARE(typeOf(QStringLiteral("int32")).busSize(5), qint64 { 8 });
     QCOMPARE(typeOf(QStringLiteral("string")).busSize(QStringLiteral("abc")), qint64 { 17 });
@@ -424,5 +424,5 @@ void TestValues::sizesCountEveryElement()
         qint64 { 88 });
 }
 
-QTEST_GUILESS_MAIN(TestValues)
+QTEST_GUILESS_MAIN(tst_Values)
 #include "tst_values.moc"
