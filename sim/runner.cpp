@@ -81,11 +81,11 @@ public:
                 setsid();
                 prctl(PR_SET_PDEATHSIG, SIGTERM);
                 if (getppid() != parent) {
-                    ::_exit(0);
+                    _exit(0);
                 }
             }
             // This process has copies of objects that belong to its parent.
-            ::_exit(task(writer));
+            _exit(task(writer));
         }
     }
     ~Process()
@@ -124,18 +124,15 @@ std::unique_ptr<Process> startBus(const Signals &signals, const QTemporaryDir &d
     const QString file = directory.filePath("bus.conf"_q);
     QFile configuration(":/bus.conf"_q);
     QFile log(directory.filePath("bus.log"_q));
-    if (!directory.isValid() || !configuration.copy(file)) {
-        failWith(directory.isValid() ? configuration.errorString() : directory.errorString());
-    }
-    if (!log.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
-        failWith(log.errorString());
+    if (!configuration.copy(file) || !log.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) {
+        failWith((log.error() ? log : configuration).errorString());
     }
     const QByteArray option = "--config-file=" + QFile::encodeName(file);
     const QByteArray path = QFile::encodeName(directory.filePath("bus"_q));
     const QByteArray socket = "--address=unix:path=" + path.toPercentEncoding("/", "~");
     auto daemon = std::make_unique<Process>(signals, Process::Session::Own, [&](QFile &output) {
-        ::dup2(output.handle(), STDOUT_FILENO);
-        ::dup2(log.handle(), STDERR_FILENO);
+        dup2(output.handle(), STDOUT_FILENO);
+        dup2(log.handle(), STDERR_FILENO);
         execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nopidfile", "--print-address",
                option.constData(), socket.constData(), static_cast<char *>(nullptr));
         log.write("dbus-daemon cannot be run: " + qt_error_string(errno).toLocal8Bit());
@@ -156,8 +153,12 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
 {
     constexpr int patience = 5;
     // QDir::tempPath() is empty if the directory of TMPDIR does not exist.
-    const QString folder = QFile::decodeName(qgetenv("TMPDIR"));
-    const QTemporaryDir directory((folder.isEmpty() ? "/tmp"_q : folder) + "/movra-sim-XXXXXX"_q);
+    const QString folder =
+        QFile::decodeName(qEnvironmentVariableIsEmpty("TMPDIR") ? "/tmp" : qgetenv("TMPDIR"));
+    const QTemporaryDir directory(folder + "/movra-sim-XXXXXX"_q);
+    if (!directory.isValid()) {
+        failWith("%1: %2"_q.arg(quoted(folder), directory.errorString()));
+    }
     const Signals signals;
     const std::unique_ptr<Process> daemon = startBus(signals, directory);
     if (!options.stateDirectory) {

@@ -98,7 +98,8 @@ void tst_Command::theStatusIsThatOfTheCommand_data()
         << QByteArray("126||movra-sim: \"/dev/null\" cannot be run: Permission denied\n");
     QTest::newRow("a directory for temporary files that does not exist")
         << QByteArrayList { "--", "env", "TMPDIR=/nosuch", MOVRA_SIM_PROGRAM, "--", "true" }
-        << QByteArray("3||movra-sim: the private bus does not start: No such file or directory\n");
+        << QByteArray("3||movra-sim: the private bus does not start: \"/nosuch\": No such file or "
+                      "directory\n");
     QTest::newRow("SIGCHLD is ignored")
         << QByteArrayList { "--", "env", "--ignore-signal=CHLD", MOVRA_SIM_PROGRAM, "--", "true" }
         << QByteArray("0||");
