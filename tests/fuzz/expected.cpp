@@ -117,7 +117,7 @@ std::optional<QByteArray> expectedElement(const QByteArray &id, const QByteArray
     const bool negative = typed.startsWith('-');
     const QByteArray digits = typed.mid(negative ? 1 : 0);
     if (areDigits(digits) && digits.size() < 10) {
-        const QByteArray number = withoutLeadingZeros(digits);
+        QByteArray number = withoutLeadingZeros(digits);
         if (!negative) {
             return number;
         }
