@@ -60,10 +60,11 @@ int main(int argc, char **argv)
         QCoreApplication::exec();
         return NotRun;
     }
-    // Calls without a wait are sent in this time.
     constexpr int lingerMs = 500;
     QTimer::singleShot(lingerMs, &client, SLOT(quit()));
     QCoreApplication::exec();
+    // For commands that do not wait for a reply.
+    sendQueuedCalls();
     // Qt D-Bus closes the connection at exit. The bus has not ended then.
     outliveBus();
     return status;

@@ -2,8 +2,10 @@
 #include "bus/connection.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QMetaObject>
 #include <QSemaphore>
+#include <QThread>
 
 #include <dbus/dbus.h>
 
@@ -205,6 +207,17 @@ void endWithBus(int status)
 void outliveBus()
 {
     onBusEnd(BusEnd::IsOutlived);
+}
+
+void sendQueuedCalls()
+{
+    // Qt D-Bus's thread carries out this request, which fails, after all earlier ones.
+    QDBusConnection::connectToPeer({}, QStringLiteral("none"));
+    // What the socket could not take at once is sent as the bus reads it.
+    QDeadlineTimer limit(25000);
+    while (dbus_connection_has_messages_to_send(connection) != FALSE && !limit.hasExpired()) {
+        QThread::msleep(1);
+    }
 }
 
 void endIfBusEnded()

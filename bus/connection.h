@@ -27,6 +27,10 @@ void endWithBus(int status);
 /// From now on the process outlives the bus. Does not return if the bus has ended the process.
 void outliveBus();
 
+/// Waits until all calls have been sent, at most 25 seconds if the bus does not read them. Qt D-Bus
+/// would discard calls at exit that its thread, on a busy machine, has not sent yet.
+void sendQueuedCalls();
+
 /// Ends the process now if it must end with the bus and the connection is closed. For a call that
 /// Qt D-Bus could not send: it fails before the end of the bus is noticed.
 void endIfBusEnded();
