@@ -211,6 +211,9 @@ void outliveBus()
 
 void sendQueuedCalls()
 {
+    if (const std::lock_guard<std::mutex> lock(busEndMutex); busEnd == BusEnd::IsOutlived) {
+        return;
+    }
     // Qt D-Bus's thread carries out this request, which fails, after all earlier ones.
     QDBusConnection::connectToPeer({}, QStringLiteral("none"));
     // What the socket could not take at once is sent as the bus reads it.

@@ -28,7 +28,8 @@ void endWithBus(int status);
 void outliveBus();
 
 /// Waits until all calls have been sent, at most 25 seconds if the bus does not read them. Qt D-Bus
-/// would discard calls at exit that its thread, on a busy machine, has not sent yet.
+/// would discard calls at exit that its thread, on a busy machine, has not sent yet. A process that
+/// outlives the bus does not wait: it has the replies to its calls.
 void sendQueuedCalls();
 
 /// Ends the process now if it must end with the bus and the connection is closed. For a call that
