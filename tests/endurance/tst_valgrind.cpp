@@ -49,7 +49,7 @@ std::unique_ptr<Program> tst_Valgrind::start(const QByteArrayList &words) const
 
 void tst_Valgrind::everyForm()
 {
-    constexpr std::size_t atATime = 4;
+    constexpr std::size_t atATime = 2;
     const std::vector<CommandForm> &forms = commandForms();
     FakeService service;
     answerAll(service);
@@ -59,7 +59,7 @@ void tst_Valgrind::everyForm()
             programs.push_back(start(forms[programs.size()].words));
         }
         Program &program = *programs[i];
-        QVERIFY2(program.waitForEnd(), forms[i].name);
+        QVERIFY2(program.waitForEnd(std::chrono::minutes(10)), forms[i].name);
         QVERIFY2(program.err.isEmpty(), (forms[i].name + (":\n" + program.err)).constData());
         QCOMPARE(program.out, forms[i].out);
         QCOMPARE(program.status, 0);

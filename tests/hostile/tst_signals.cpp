@@ -71,8 +71,9 @@ QByteArray tst_Signals::heard(const std::function<void()> &emitAll)
     const QByteArray printed = captureOutput([&] {
         emitAll();
         service->emitSignal("SigUpdate", "('marker',)");
-        QTRY_VERIFY_WITH_TIMEOUT(
-            !marker.isEmpty() && marker.last().first() == QStringLiteral("marker"), patienceMs);
+        while (marker.isEmpty() || marker.last().first() != QStringLiteral("marker")) {
+            QVERIFY(marker.wait(patienceMs));
+        }
     });
     const QByteArray line = "===Client sigUpdateSlot  msg=marker\n";
     return printed.endsWith(line) ? printed.chopped(line.size()) : "(no marker) " + printed;

@@ -7,6 +7,10 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 trap 'exit 1' HUP INT TERM
 
+# The scripts write the same files below the build directory.
+exec 9>"$build/packaging.lock"
+flock 9
+
 fail() {
     echo "$*" >&2
     exit 1

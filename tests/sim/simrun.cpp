@@ -84,7 +84,7 @@ bool startSimulator(QProcess &process, const QStringList &arguments)
     process.setProcessChannelMode(QProcess::SeparateChannels);
     process.start(text(MOVRA_SIM_PROGRAM), arguments);
     while (!process.canReadLine()) {
-        if (!process.waitForReadyRead()) {
+        if (!process.waitForReadyRead(patienceMs)) {
             return false;
         }
     }
@@ -94,7 +94,7 @@ bool startSimulator(QProcess &process, const QStringList &arguments)
 bool endSimulator(QProcess &process, int signalNumber)
 {
     kill(static_cast<pid_t>(process.processId()), signalNumber);
-    return process.waitForFinished() && process.exitStatus() == QProcess::NormalExit
+    return process.waitForFinished(patienceMs) && process.exitStatus() == QProcess::NormalExit
         && process.exitCode() == 0;
 }
 
@@ -123,6 +123,7 @@ void SimTest::init()
     service = std::make_unique<KorAppInterface>(text("com.varn.tul"), text("/"),
                                                 QDBusConnection::sessionBus(), nullptr);
     QVERIFY(service->isValid());
+    service->setTimeout(patienceMs);
     heard.clear();
     const auto listen = [this](void (KorAppInterface::*signal)(const QString &),
                                const char *member) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "bus/proxies.h"
+#include "tests/support/patience.h"
 
 #include <QByteArray>
 #include <QDBusMessage>

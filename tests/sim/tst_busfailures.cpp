@@ -90,6 +90,7 @@ void tst_BusFailures::manyCallsThatWait()
     QVERIFY(simulator.waitForLines(1));
     KorAppInterface service(QStringLiteral("com.varn.many"), QStringLiteral("/"),
                             QDBusConnection::sessionBus(), nullptr);
+    service.setTimeout(patienceMs);
     const QString text(100 * 1024, QLatin1Char('x'));
     constexpr std::size_t calls = 700;
     std::vector<QDBusPendingReply<>> delayed;
@@ -113,6 +114,7 @@ void tst_BusFailures::aCallAbove63MiB()
     QVERIFY(simulator.waitForLines(1));
     KorAppInterface service(QStringLiteral("com.varn.large"), QStringLiteral("/"),
                             QDBusConnection::sessionBus(), nullptr);
+    service.setTimeout(patienceMs);
     const QString text(64 * 1024 * 1024, QLatin1Char('x'));
     // The call gets an answer or a refusal, and later calls are answered.
     service.SetValue(QStringLiteral(":config:data:ftp:userName:"), QDBusVariant(text))

@@ -82,7 +82,7 @@ void tst_Faults::movraPrints()
     QVERIFY(startWith({ fault }));
     QProcess movra;
     movra.start(text(MOVRA_PROGRAM), QStringList { text("com.varn.tul"), text("/") } + request);
-    QVERIFY(movra.waitForFinished());
+    QVERIFY(movra.waitForFinished(patienceMs));
     QCOMPARE(movra.readAllStandardOutput(), out);
     QCOMPARE(movra.readAllStandardError(), QByteArray());
     QCOMPARE(movra.exitCode(), status);
@@ -159,7 +159,7 @@ void tst_Faults::aSimulatorThatVanishesSendsNothing()
     const QDBusPendingCall late = service->GetStatus(port);
     QVERIFY(answerTo(fatal).startsWith(text("org.freedesktop.DBus.Error.NoReply: ")));
     QVERIFY(!answerTo(late).startsWith(text("i ")));
-    QVERIFY(simulator->waitForFinished());
+    QVERIFY(simulator->waitForFinished(patienceMs));
     QCOMPARE(simulator->exitStatus(), QProcess::NormalExit);
     QCOMPARE(simulator->exitCode(), 0);
     QCOMPARE(simulator->readAllStandardError(), QByteArray());

@@ -342,7 +342,7 @@ void tst_Files::twoSimulatorsDoNotShareADirectory()
     QProcess second;
     second.start(text(MOVRA_SIM_PROGRAM),
                  { text("--service"), text("com.varn.second"), text("--state"), state->path() });
-    QVERIFY(second.waitForFinished());
+    QVERIFY(second.waitForFinished(patienceMs));
     QCOMPARE(second.exitCode(), 6);
     QCOMPARE(QString::fromUtf8(second.readAllStandardError()),
              text("movra-sim: the state directory cannot be used: another simulator uses \"%1\"\n")
@@ -353,7 +353,7 @@ void tst_Files::theNextStartRemovesAnUnfinishedFile()
 {
     QVERIFY(writeFile(text(".movra-sim.new"), "half"));
     simulator->kill();
-    QVERIFY(simulator->waitForFinished());
+    QVERIFY(simulator->waitForFinished(patienceMs));
     QVERIFY(start());
     QVERIFY(!QFileInfo::exists(pathOf(text(".movra-sim.new"))));
 }

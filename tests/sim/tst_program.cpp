@@ -102,9 +102,9 @@ private:
         process.setWorkingDirectory(directory->path());
         process.setProcessEnvironment(environment);
         process.start(text(MOVRA_SIM_PROGRAM), arguments);
-        if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit) {
+        if (!process.waitForFinished(patienceMs) || process.exitStatus() != QProcess::NormalExit) {
             process.kill();
-            process.waitForFinished();
+            process.waitForFinished(patienceMs);
             return text("did not end well");
         }
         return text("%1|%2|%3")
@@ -355,7 +355,7 @@ void tst_Program::signalsIgnoredAtTheStartStayIgnored()
     QProcess simulator;
     simulator.start(text("sh"), { text("-c"), text("trap '' HUP INT; exec " MOVRA_SIM_PROGRAM) });
     while (!simulator.canReadLine()) {
-        QVERIFY(simulator.waitForReadyRead());
+        QVERIFY(simulator.waitForReadyRead(patienceMs));
     }
     KorAppInterface service(text("com.varn.tul"), text("/"), QDBusConnection::sessionBus(),
                             nullptr);

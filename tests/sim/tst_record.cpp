@@ -178,7 +178,7 @@ void tst_Record::theRecordMayGoToStandardOutput()
     QVERIFY(stop());
     QVERIFY(start({ text("--log"), text("-") }));
     service->DBusServerStatus().waitForFinished();
-    QVERIFY(simulator->canReadLine() || simulator->waitForReadyRead());
+    QVERIFY(simulator->canReadLine() || simulator->waitForReadyRead(patienceMs));
     const QByteArray line = simulator->readLine();
     QVERIFY2(line.endsWith("\"signature\":\"\",\"arguments\":[],\"answer\":[0]}\n"),
              line.constData());
@@ -209,7 +209,7 @@ void tst_Record::aRecordThatCannotBeWrittenEndsTheProgram()
     if (starts) {
         QCOMPARE(answerTo(service->DBusServerStatus()), text("i 0"));
     }
-    QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished());
+    QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished(patienceMs));
     QCOMPARE(process.exitCode(), 7);
     QCOMPARE(process.readAllStandardError(), complaint);
 }

@@ -336,7 +336,7 @@ void tst_Service::aCallWithoutAReplyGetsNone()
     QVERIFY(seen.contains("member=Reboot"));
     QVERIFY(!seen.contains("No such method 'Reboot'"));
     monitor.kill();
-    QVERIFY(monitor.waitForFinished());
+    QVERIFY(monitor.waitForFinished(patienceMs));
 }
 
 void tst_Service::largeAndDeepArgumentsAreRefused()
@@ -369,7 +369,7 @@ void tst_Service::largeAndDeepArgumentsAreRefused()
     }
     QCOMPARE(answerTo(service->GetValue(many)),
              text("varn.pim.Error.BadValue: The values of 1000000 items do not fit one answer."));
-    QVERIFY(answerTo(service->GetStatus(many)).startsWith(text("ai [0, 0, ")));
+    QVERIFY(answerTo(service->GetStatus(many.mid(0, 100000))).startsWith(text("ai [0, 0, ")));
     QCOMPARE(answerTo(service->DbgLogCmd(text("SET"), QString(20000000, QLatin1Char(',')))),
              text("varn.pim.Error.BadValue: \"%1...\" is not of the form \"<log>, <instance 0 to "
                   "255>, ENABLED|DISABLED\".")

@@ -29,7 +29,8 @@ private:
     void accept();
     void forward(int program) const;
 
-    QTemporaryDir directory; ///< holds the socket
+    /// Holds the socket. The path of TMPDIR may not fit into an address.
+    QTemporaryDir directory { QStringLiteral("/tmp/movra-bus-XXXXXX") };
     QByteArray realSocket;
     QByteArray lastText;
     Cut cut;

@@ -22,6 +22,7 @@ public:
     std::unique_ptr<Program> daemon; ///< killed with this object
 
 private:
-    QTemporaryDir directory; ///< holds the socket
+    /// Holds the socket. The path of TMPDIR may not fit into an address.
+    QTemporaryDir directory { QStringLiteral("/tmp/movra-bus-XXXXXX") };
     QTemporaryFile configuration;
 };

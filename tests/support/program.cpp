@@ -98,6 +98,8 @@ Program::Program(const QByteArray &file, const QByteArrayList &arguments,
     sigemptyset(&none);
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    // If this process ignored SIGCHLD, the system would discard the exit status.
+    std::signal(SIGCHLD, SIG_DFL);
     started = Clock::now();
     const int failure = posix_spawnp(&pid, file.constData(), &actions, &attributes,
                                      vectorOf(words).data(), vectorOf(variables).data());
