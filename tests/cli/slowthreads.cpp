@@ -26,12 +26,14 @@ int late(int result)
 
 } // namespace
 
-// GLib's event loop calls the first, that of Qt the second.
+// GLib's event loop calls the first, that of Qt the second. glibc's parameter names are reserved.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int poll(pollfd *descriptors, nfds_t count, int limit)
 {
     return late(next(&poll, "poll")(descriptors, count, limit));
 }
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int ppoll(pollfd *descriptors, nfds_t count, const timespec *limit,
                      const sigset_t *signals)
 {
