@@ -9,6 +9,7 @@
 
 #include <dbus/dbus.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <ctime>
@@ -26,6 +27,9 @@ DBusConnection *connection = nullptr;
 
 ConnectFailure connectFailure {};
 
+/// How long a bus may not respond: as long as Qt D-Bus waits for a reply.
+constexpr std::chrono::seconds patience(25);
+
 /// Async-signal-safe.
 [[noreturn]] void failToConnect()
 {
@@ -34,8 +38,8 @@ ConnectFailure connectFailure {};
     _exit(connectFailure.status);
 }
 
-/// Ends the process as a failure to connect unless it is destroyed within 25 seconds. It works
-/// without a second thread, because the process may not be allowed to create one.
+/// Ends the process as a failure to connect unless it is destroyed in time. It works without a
+/// second thread, because the process may not be allowed to create one.
 class ConnectLimit
 {
 public:
@@ -57,7 +61,7 @@ public:
         event.sigev_signo = expired;
         isSet = timer_create(CLOCK_MONOTONIC, &event, &timer) == 0;
         if (isSet) {
-            constexpr itimerspec limit { {}, { 25, 0 } };
+            constexpr itimerspec limit { {}, { patience.count(), 0 } };
             timer_settime(timer, 0, &limit, nullptr);
         }
     }
@@ -217,7 +221,7 @@ void sendQueuedCalls()
     // Qt D-Bus's thread carries out this request, which fails, after all earlier ones.
     QDBusConnection::connectToPeer({}, QStringLiteral("none"));
     // What the socket could not take at once is sent as the bus reads it.
-    QDeadlineTimer limit(25000);
+    const QDeadlineTimer limit(patience);
     while (dbus_connection_has_messages_to_send(connection) != FALSE && !limit.hasExpired()) {
         QThread::msleep(1);
     }
