@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/sim/simrun.h"
 
+#include "tests/support/openbus.h"
 #include "tests/support/patience.h"
 
 #include <QDBusArgument>
@@ -120,8 +121,8 @@ void SimTest::init()
     registerBusTypes();
     state = std::make_unique<QTemporaryDir>();
     QVERIFY(start());
-    service = std::make_unique<KorAppInterface>(text("com.varn.tul"), text("/"),
-                                                QDBusConnection::sessionBus(), nullptr);
+    service =
+        std::make_unique<KorAppInterface>(text("com.varn.tul"), text("/"), openBus(), nullptr);
     QVERIFY(service->isValid());
     service->setTimeout(patienceMs);
     heard.clear();
@@ -149,9 +150,6 @@ void SimTest::init()
             this, [this](const QString &message, const std::vector<uint32_t> &data) {
                 heard.append(text("SigTestCompleteWithData %1 au %2").arg(message, joined(data)));
             });
-    // Qt D-Bus queues signals until the event loop first runs, and may then deliver a newer signal
-    // before the queued ones. After the first delivered signal the order is kept.
-    QCOMPARE(takeHeard(), QStringList());
 }
 
 void SimTest::cleanup()

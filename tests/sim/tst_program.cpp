@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The built program: its options, exit statuses, messages and end.
 #include "tests/sim/simrun.h"
+#include "tests/support/openbus.h"
 #include "tests/support/patience.h"
 
 #include <QDBusConnection>
@@ -332,12 +333,11 @@ void tst_Program::aSignalEndsTheProgramInOrder()
     QFETCH(int, number);
     QProcess simulator;
     QVERIFY(startSimulator(simulator, {}));
-    KorAppInterface service(text("com.varn.tul"), text("/"), QDBusConnection::sessionBus(),
-                            nullptr);
+    KorAppInterface service(text("com.varn.tul"), text("/"), openBus(), nullptr);
     QStringList events;
     connect(&service, &KorAppInterface::SigDBusServerClosing, this,
             [&events](const QString &message) { events.append(message); });
-    QDBusServiceWatcher watcher(text("com.varn.tul"), QDBusConnection::sessionBus(),
+    QDBusServiceWatcher watcher(text("com.varn.tul"), service.connection(),
                                 QDBusServiceWatcher::WatchForUnregistration);
     connect(&watcher, &QDBusServiceWatcher::serviceUnregistered, this,
             [&events] { events.append(text("the name is free")); });
@@ -357,8 +357,7 @@ void tst_Program::signalsIgnoredAtTheStartStayIgnored()
     while (!simulator.canReadLine()) {
         QVERIFY(simulator.waitForReadyRead(patienceMs));
     }
-    KorAppInterface service(text("com.varn.tul"), text("/"), QDBusConnection::sessionBus(),
-                            nullptr);
+    KorAppInterface service(text("com.varn.tul"), text("/"), openBus(), nullptr);
     QSignalSpy closings(&service, &KorAppInterface::SigDBusServerClosing);
     const auto pid = static_cast<pid_t>(simulator.processId());
     QCOMPARE(kill(pid, SIGHUP) + kill(pid, SIGINT), 0);
@@ -372,13 +371,11 @@ void tst_Program::optionsSetNameAndPath()
     QProcess simulator;
     QVERIFY(startSimulator(
         simulator, { text("--service=org.example.other"), text("--path"), text("/deep/down") }));
-    KorAppInterface service(text("org.example.other"), text("/deep/down"),
-                            QDBusConnection::sessionBus(), nullptr);
+    KorAppInterface service(text("org.example.other"), text("/deep/down"), openBus(), nullptr);
     QSignalSpy infos(&service, &KorAppInterface::SigInfo);
     QCOMPARE(answerTo(service.DoAction(text(":action:data:ftp:ping:"))), QString());
     QTRY_COMPARE_WITH_TIMEOUT(infos.count(), 1, patienceMs);
-    KorAppInterface elsewhere(text("org.example.other"), text("/"), QDBusConnection::sessionBus(),
-                              nullptr);
+    KorAppInterface elsewhere(text("org.example.other"), text("/"), openBus(), nullptr);
     QCOMPARE(answerTo(elsewhere.DBusServerStatus()),
              text("org.freedesktop.DBus.Error.UnknownInterface: No such interface 'varn.pim' at "
                   "object path '/'"));
@@ -391,8 +388,7 @@ void tst_Program::aRelativeStateDirectoryIsMadeAtTheStart()
     simulator.setWorkingDirectory(directory->path());
     QVERIFY(startSimulator(simulator, { text("--state"), text("a/b") }));
     QVERIFY(QFileInfo(directory->filePath(text("a/b"))).isDir());
-    KorAppInterface service(text("com.varn.tul"), text("/"), QDBusConnection::sessionBus(),
-                            nullptr);
+    KorAppInterface service(text("com.varn.tul"), text("/"), openBus(), nullptr);
     QSignalSpy infos(&service, &KorAppInterface::SigInfo);
     QCOMPARE(answerTo(service.SaveConfig(text("night"))), text("b true"));
     QTRY_COMPARE_WITH_TIMEOUT(infos.count(), 1, patienceMs);
