@@ -7,7 +7,6 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusError>
-#include <QDBusReply>
 #include <QScopeGuard>
 
 #include <cstdio>
@@ -35,7 +34,7 @@ public:
     {
         registerBusTypes();
         // Calls go to the owner of the name, so that another one cannot continue its answers.
-        const QDBusReply<QString> reply = bus.interface()->serviceOwner(service);
+        const auto reply = bus.interface()->serviceOwner(service);
         if (!reply.isValid()) {
             throw failure("nobody owns the bus name %1"_q.arg(quoted(service)));
         }

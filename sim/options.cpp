@@ -46,18 +46,17 @@ Fault readFault(const QString &text)
     fault.only = parts.captured(5).toInt();
     const QString word = parts.captured(3);
     const QString value = parts.captured(4);
-    QString sentence;
     if (plainKinds.contains(word) && value.isNull()) {
         fault.kind = plainKinds.value(word);
     } else if (word == "refuse"_q) {
         fault.kind = Fault::Kind::Refuse;
-        sentence = value;
+        fault.text = value;
     } else if (word == "error"_q && !value.isNull()) {
         static const QRegularExpression name(
             "\\A(?=.{1,255}\\z)[A-Za-z_][A-Za-z0-9_]*(\\.[A-Za-z_][A-Za-z0-9_]*)+\\z"_q);
         fault.kind = Fault::Kind::Refuse;
         fault.error = value.section(QLatin1Char(':'), 0, 0);
-        sentence = value.section(QLatin1Char(':'), 1);
+        fault.text = value.section(QLatin1Char(':'), 1);
         if (!name.match(fault.error).hasMatch()) {
             throw notValid("%1 is not the name of a bus error"_q.arg(quoted(fault.error)));
         }
@@ -75,8 +74,8 @@ Fault readFault(const QString &text)
             "vanish or silence"_q.arg(
                 quoted(value.isNull() ? word : word + QLatin1Char(':') + value)));
     }
-    if (!sentence.isEmpty()) {
-        fault.text = sentence;
+    if (fault.text.isEmpty()) {
+        fault.text = "This call is refused on demand."_q;
     }
     return fault;
 }
@@ -87,12 +86,12 @@ Options parseOptions(const QStringList &arguments)
 {
     const QCommandLineOption service("service"_q, {}, "NAME"_q, "com.varn.tul"_q);
     const QCommandLineOption path("path"_q, {}, "PATH"_q, "/"_q);
-    const QCommandLineOption catalog("catalog"_q, {}, "FILE"_q);
+    const QCommandLineOption catalog("catalog"_q, "catalogue"_q, "FILE"_q);
     const QCommandLineOption state("state"_q, {}, "DIR"_q);
     const QCommandLineOption fault("fault"_q, {}, "MEMBER=FAULT"_q);
-    const QCommandLineOption log("log"_q, {}, "FILE"_q);
+    const QCommandLineOption log("log"_q, "log"_q, "FILE"_q);
     const QCommandLineOption capture("capture"_q, {}, "NAME"_q);
-    const QCommandLineOption check("check"_q, {}, "FILE"_q);
+    const QCommandLineOption check("check"_q, "catalogue"_q, "FILE"_q);
     const QCommandLineOption help(QStringList { "h"_q, "help"_q });
     const QCommandLineOption version("version"_q);
     QCommandLineParser parser;
@@ -103,21 +102,18 @@ Options parseOptions(const QStringList &arguments)
     if (const QStringList stray = parser.positionalArguments(); !stray.isEmpty()) {
         throw wrong("%1 is one argument too many."_q.arg(quoted(stray.first())));
     }
-    const auto refuseEmpty = [&parser](const QCommandLineOption &option, const char *what) {
+    for (const QCommandLineOption &option : { catalog, check, log }) {
         if (parser.isSet(option) && parser.value(option).isEmpty()) {
-            throw wrong("The name of the %1 is empty."_q.arg(QLatin1String(what)));
+            throw wrong("The name of the %1 is empty."_q.arg(option.description()));
         }
-    };
-    refuseEmpty(catalog, "catalogue");
-    refuseEmpty(check, "catalogue");
-    refuseEmpty(log, "log");
+    }
 
     Options options;
     const QStringList faults = parser.values(fault);
     std::transform(faults.begin(), faults.end(), std::back_inserter(options.faults), readFault);
-    options.service = parser.value(service);
+    options.service = parser.value(parser.isSet(capture) ? capture : service);
     options.path = parser.value(path);
-    options.catalogFile = parser.value(catalog);
+    options.catalogFile = parser.value(parser.isSet(check) ? check : catalog);
     options.logFile = parser.value(log);
     if (parser.isSet(state)) {
         const QString name = parser.value(state);
@@ -129,10 +125,8 @@ Options parseOptions(const QStringList &arguments)
                                           : "movra-sim " MOVRA_SIM_VERSION "\n"_q;
     } else if (parser.isSet(capture)) {
         options.task = Options::Task::Capture;
-        options.service = parser.value(capture);
     } else if (parser.isSet(check)) {
         options.task = Options::Task::Check;
-        options.catalogFile = parser.value(check);
     }
     static const QRegularExpression objectPath("\\A(?:/|(?:/[A-Za-z0-9_]+)+)\\z"_q);
     if ((options.task == Options::Task::Serve || options.task == Options::Task::Capture)

@@ -18,7 +18,7 @@ struct Fault {
     Kind kind = Kind::Silence;
     int delay = 0; ///< in milliseconds, for Kind::Delay
     QString error = "Refused"_q; ///< the name of the refusal, for Kind::Refuse
-    QString text = "This call is refused on demand."_q;
+    QString text = {}; ///< of the refusal
     int calls = 0; ///< matching calls so far
 };
 

@@ -225,10 +225,9 @@ void Service::suffer(const Fault &fault, const Method &method, const QDBusMessag
         announcer.reply(call, call.createReply(ofAnotherType));
         break;
     case Fault::Kind::Vanish:
-        announcer.record(call);
         vanished = true;
         QCoreApplication::quit();
-        break;
+        [[fallthrough]];
     case Fault::Kind::Silence:
         announcer.record(call);
         break;
