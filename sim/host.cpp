@@ -5,7 +5,6 @@
 #include "sim/service.h"
 
 #include <QDBusConnectionInterface>
-#include <QDBusReply>
 #include <QSocketNotifier>
 
 #include <csignal>
@@ -30,11 +29,7 @@ void catchSignals(QObject *context)
     const auto *notifier = new QSocketNotifier(wakeUp, QSocketNotifier::Read, context);
     QObject::connect(notifier, &QSocketNotifier::activated, &QCoreApplication::quit);
     for (const int number : { SIGINT, SIGTERM, SIGHUP }) {
-        struct sigaction before {
-        };
-        sigaction(number, nullptr, &before);
-        // A shell ignores them on purpose for a program in the background or under nohup.
-        if (number == SIGTERM || before.sa_handler != SIG_IGN) {
+        if (endsProgram(number)) {
             std::signal(number, [](int /*signal*/) { ::eventfd_write(wakeUp, 1); });
         }
     }
@@ -42,8 +37,7 @@ void catchSignals(QObject *context)
 
 void ownName(const QDBusConnection &bus, const QString &name)
 {
-    const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
-        bus.interface()->registerService(name);
+    const auto reply = bus.interface()->registerService(name);
     endIfBusEnded();
     outliveBus(); // its end ends the event loop from now on
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered) {
@@ -55,6 +49,15 @@ void ownName(const QDBusConnection &bus, const QString &name)
 }
 
 } // namespace
+
+bool endsProgram(int signalNumber)
+{
+    struct sigaction atStart {
+    };
+    sigaction(signalNumber, nullptr, &atStart);
+    // A shell ignores the others on purpose for a program in the background or under nohup.
+    return signalNumber == SIGTERM || atStart.sa_handler != SIG_IGN;
+}
 
 QDBusConnection openBus()
 {

@@ -19,6 +19,9 @@ struct Application {
     QCoreApplication application { count, words.data() };
 };
 
+/// Whether SIGINT, SIGHUP or SIGTERM ends the program: not those ignored at its start, but SIGTERM.
+bool endsProgram(int signalNumber);
+
 /// Opens the session bus, or throws; ends the process with the same line if the bus does not
 /// respond, or if it ends before outliveBus() is called.
 QDBusConnection openBus();

@@ -174,9 +174,8 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
         });
         if (getppid() != parent) {
             // The parent was killed. The bus removes its socket, which can make one attempt fail.
-            const QString path = directory.path();
-            if (!QDir(path).removeRecursively()) {
-                QDir(path).removeRecursively();
+            for (int attempt = 0; attempt < 2; ++attempt) {
+                QDir(directory.path()).removeRecursively();
             }
         }
         return status;
@@ -201,7 +200,7 @@ int runCommand(Options options, int (*carryOut)(const std::function<int()> &task
         const int number = signals.next(isLeaving ? patience : 0);
         if (number < 0) {
             command.send(SIGKILL);
-        } else if (number == SIGTERM || number == SIGHUP) {
+        } else if ((number == SIGTERM || number == SIGHUP) && endsProgram(number)) {
             command.send(number);
             isLeaving = true;
         }

@@ -247,11 +247,13 @@ void tst_Command::aCommandMayOutliveCtrlC()
 
 void tst_Command::signalsIgnoredAtTheStartStayIgnored()
 {
-    Program program("setsid",
-                    { "sh", "-c",
-                      "trap '' HUP INT; exec " MOVRA_SIM_PROGRAM
-                      " -- sh -c 'kill -HUP 0; kill -INT 0; movra com.varn.tul / SERVERSTAT'" },
-                    environment);
+    // Five seconds after a SIGHUP that is not ignored, the command is killed.
+    Program program(
+        "setsid",
+        { "sh", "-c",
+          "trap '' HUP INT; exec " MOVRA_SIM_PROGRAM
+          " -- sh -c 'kill -HUP 0; kill -INT 0; sleep 6; movra com.varn.tul / SERVERSTAT'" },
+        environment);
     QVERIFY(program.waitForEnd());
     QCOMPARE(program.out, QByteArray("0\n"));
     QCOMPARE(program.status, 0);
