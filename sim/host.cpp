@@ -95,6 +95,9 @@ void serve(const Options &options, const std::function<void()> &announceReady)
     announceReady();
     service.startTimeline();
     QCoreApplication::exec();
+    // When the bus answers this call, all calls that it has sent before are here: execute them.
+    bus.interface()->isServiceRegistered(options.service);
+    QCoreApplication::sendPostedEvents();
     const bool hasBus = bus.isConnected();
     if (!service.hasVanished()) {
         announcer.send({ "SigDBusServerClosing"_q, { "movra-sim is closing"_q } });

@@ -90,6 +90,7 @@ private Q_SLOTS:
     void withoutABusThereIsAnError();
     void aSignalEndsTheProgramInOrder_data();
     void aSignalEndsTheProgramInOrder();
+    void callsBeforeTheEndAreExecuted();
     void signalsIgnoredAtTheStartStayIgnored();
     void optionsSetNameAndPath();
     void aRelativeStateDirectoryIsMadeAtTheStart();
@@ -348,6 +349,24 @@ void tst_Program::aSignalEndsTheProgramInOrder()
         patienceMs);
     QCOMPARE(simulator.readAllStandardOutput(), QByteArray());
     QCOMPARE(simulator.readAllStandardError(), QByteArray());
+}
+
+void tst_Program::callsBeforeTheEndAreExecuted()
+{
+    QProcess simulator;
+    QVERIFY(startSimulator(simulator, {}));
+    KorAppInterface service(text("com.varn.tul"), text("/"), openBus(), nullptr);
+    const auto pid = static_cast<pid_t>(simulator.processId());
+    QCOMPARE(kill(pid, SIGSTOP), 0);
+    // The simulator needs longer to read this call than to notice a signal.
+    service.DbgLogCmd(text("SET"), QString(1 << 22, QLatin1Char('x')));
+    const QDBusPendingCall call = service.DBusServerStatus();
+    // The bus answers this call after it has taken the one before.
+    QVERIFY(service.connection().interface()->isServiceRegistered(text("com.varn.tul")));
+    QCOMPARE(kill(pid, SIGTERM) + kill(pid, SIGCONT), 0);
+    QCOMPARE(answerTo(call), text("i 0"));
+    QVERIFY(simulator.waitForFinished(patienceMs));
+    QCOMPARE(simulator.exitCode(), 0);
 }
 
 void tst_Program::signalsIgnoredAtTheStartStayIgnored()
