@@ -8,7 +8,6 @@
 #include <QTest>
 
 #include <csignal>
-#include <utility>
 
 #include <fcntl.h>
 
@@ -177,9 +176,7 @@ void tst_Output::nonBlockingOutputReceivesAll()
     Program program(MOVRA_PROGRAM, QByteArrayList { "com.varn.tul", "/" } + words, busEnvironment(),
                     output);
     // Wait until the stream is full. The program must not change flags that others share.
-    int unread = -1;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        program.unread() > 0 && std::exchange(unread, program.unread()) == unread, patienceMs);
+    QVERIFY(program.waitUntilStalled());
     QFile descriptor(QStringLiteral("/proc/%1/fdinfo/1").arg(program.processId()));
     QVERIFY(descriptor.open(QIODevice::ReadOnly));
     const QByteArray flags = descriptor.readAll().split('\n').at(1).mid(6).trimmed();

@@ -159,11 +159,17 @@ bool Program::runs() const
         && end.si_pid == 0;
 }
 
-int Program::unread() const
+bool Program::waitUntilStalled() const
 {
+    const auto deadline = Clock::now() + patience;
+    int before = 0;
     int bytes = 0;
-    ioctl(outPipe, FIONREAD, &bytes);
-    return bytes;
+    do {
+        before = bytes;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ioctl(outPipe, FIONREAD, &bytes);
+    } while ((bytes == 0 || bytes != before) && Clock::now() < deadline);
+    return bytes != 0 && bytes == before;
 }
 
 void Program::leaveOutput()

@@ -39,8 +39,9 @@ public:
     pid_t processId() const { return pid; }
     /// Sends the program a signal.
     void send(int signal);
-    /// The number of bytes in the pipe of standard output.
-    int unread() const;
+    /// Waits until standard output holds bytes that the test has not read, and gets no more of them
+    /// for 50 ms; false if `patience` is over.
+    bool waitUntilStalled() const;
     /// Closes the reading end of standard output.
     void leaveOutput();
     /// Reads until the program has ended; false, and the program is killed, if it takes longer.
