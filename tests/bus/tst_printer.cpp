@@ -5,6 +5,7 @@
 #include "bus/types.h"
 #include "tests/support/capture.h"
 #include "tests/support/fakeservice.h"
+#include "tests/support/patience.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -54,7 +55,8 @@ QDBusArgument tst_Printer::received(const QByteArray &value)
     service->answer("Get", "(" + value + ",)");
     const QDBusMessage reply = QDBusConnection::sessionBus().call(
         QDBusMessage::createMethodCall(QStringLiteral("com.varn.tul"), QStringLiteral("/"),
-                                       QStringLiteral("varn.pim"), QStringLiteral("Get")));
+                                       QStringLiteral("varn.pim"), QStringLiteral("Get")),
+        QDBus::Block, patienceMs);
     return reply.arguments().value(0).value<QDBusArgument>();
 }
 

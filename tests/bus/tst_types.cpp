@@ -2,6 +2,7 @@
 // The nine bus types: on the wire, back again, and in Qt's type system.
 #include "bus/types.h"
 #include "tests/support/fakeservice.h"
+#include "tests/support/patience.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -43,7 +44,7 @@ QVariant echo(const QVariant &value)
         QDBusMessage::createMethodCall(QStringLiteral("com.varn.tul"), QStringLiteral("/"),
                                        QStringLiteral("varn.pim"), QStringLiteral("Echo"));
     call << value;
-    const QDBusMessage reply = QDBusConnection::sessionBus().call(call);
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, patienceMs);
     return reply.arguments().value(0);
 }
 
