@@ -47,6 +47,7 @@ class Monitor:
         self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         os.set_blocking(self.process.stdout.fileno(), False)
         self.before = b""  # the end of what was read, for a text that two reads share
+        self.lines = 0  # read so far, for signals of any text
 
     def __enter__(self):
         # The program does not see a signal that is emitted before it listens: repeat until it sees one.
@@ -66,9 +67,11 @@ class Monitor:
     def count(self, text):
         """How often the text occurs in the output since the last call."""
         try:
-            data = self.before + os.read(self.process.stdout.fileno(), 1 << 20)
+            new = os.read(self.process.stdout.fileno(), 1 << 20)
         except BlockingIOError:
             return 0
+        self.lines += new.count(b"\n")
+        data = self.before + new
         self.before = data[-(len(text) - 1):]
         return data.count(text)
 

@@ -37,7 +37,7 @@ def of_a_line(movra):
         taken, _ = monitor.take(lines)
         if taken != lines:
             raise SystemExit(f"The monitor printed {taken} of {lines} signals.")
-        return collected(monitor.end()) / lines
+        return collected(monitor.end()) / monitor.lines
 
 
 def of_a_request(movra, programs):
