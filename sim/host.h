@@ -19,7 +19,7 @@ struct Application {
     QCoreApplication application { count, words.data() };
 };
 
-/// Whether SIGINT, SIGHUP or SIGTERM ends the program: not those ignored at its start, but SIGTERM.
+/// Whether SIGINT, SIGHUP or SIGTERM ends the program. An ignored one does not, except SIGTERM.
 bool endsProgram(int signalNumber);
 
 /// Opens the session bus, or throws; ends the process with the same line if the bus does not
